@@ -1,0 +1,31 @@
+#include "PallisandeKit/Analyses/BandCounts.h"
+
+#include "Base/Checked.h"
+
+namespace Pallisande {
+
+namespace {
+
+void addMetric(BandMap<std::int64_t>& total, const BandMap<std::int64_t>& metric)
+{
+    metric.forEach(
+        [&](MatchBand band, std::int64_t count) { total[band] = Base::Checked::add(total[band], count); });
+}
+
+} // namespace
+
+void BandCounts::add(const BandCounts& other)
+{
+    addMetric(words, other.words);
+    addMetric(segments, other.segments);
+    addMetric(characters, other.characters);
+}
+
+std::int64_t sum(const BandMap<std::int64_t>& metric)
+{
+    std::int64_t total = 0;
+    metric.forEach([&](MatchBand, std::int64_t count) { total = Base::Checked::add(total, count); });
+    return total;
+}
+
+} // namespace Pallisande

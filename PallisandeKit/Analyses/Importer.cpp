@@ -1,0 +1,89 @@
+#include "PallisandeKit/Analyses/Importer.h"
+
+#include "Base/DurableFile.h"
+#include "Base/Text.h"
+#include "PallisandeKit/Analyses/TradosXML.h"
+
+#include <fmt/format.h>
+
+#include <system_error>
+
+namespace Pallisande::Importer {
+
+namespace {
+
+constexpr std::size_t headBytes = 600;
+
+bool isOneOf(std::string_view extension, std::initializer_list<std::string_view> list)
+{
+    return std::find(list.begin(), list.end(), extension) != list.end();
+}
+
+// Readers for the kinds of files that this version knows but can't read yet stand in for these.
+[[noreturn]] void refuseUnreadKind(const std::string& name, std::string_view kind)
+{
+    throw ImportError(fmt::format(
+        "“{}” is a {} report, which this version can’t read yet; it reads the XML of Trados Studio.", name,
+        kind));
+}
+
+// By extension first, so that a spreadsheet or PDF is refused whatever its first bytes look like.
+Analysis read(std::string_view data, const std::string& name, Base::Instant now)
+{
+    const auto extension = Base::asciiLowered(
+        std::filesystem::path(name).extension().string()); // With its full stop, or empty.
+    if (isOneOf(extension, { ".xlsx", ".xls", ".xlsm" }))
+        throw ImportError(
+            fmt::format("Pallisande reads spreadsheets saved as CSV. Open “{}” in Excel or Numbers, "
+                        "export it as CSV, and import that file.",
+                name));
+    if (isOneOf(extension, { ".htm", ".html", ".mht", ".mhtml" }))
+        throw ImportError(
+            fmt::format("“{}” is a report for reading, not for importing. In Trados save the analysis "
+                        "as XML; in memoQ or Phrase export it as CSV.",
+                name));
+    if (extension == ".pdf")
+        throw ImportError(
+            "A PDF report can’t be imported. Export the analysis as XML (Trados), CSV (memoQ, Phrase) "
+            "or JSON (Phrase).");
+    const auto start = Base::validUtf8(data.substr(0, headBytes));
+    const auto head = Base::trimmedOfMarks(start);
+    if (isOneOf(extension, { ".xml", ".sdlxml" }) || head.starts_with('<'))
+        return TradosXML::read(data, name, now);
+    if (extension == ".json" || head.starts_with('{') || head.starts_with('['))
+        refuseUnreadKind(name, "JSON");
+    refuseUnreadKind(name, "CSV");
+}
+
+} // namespace
+
+std::string displayName(const std::filesystem::path& file)
+{
+    return Base::validUtf8(file.filename().string());
+}
+
+std::string load(const std::filesystem::path& file)
+{
+    const auto name = displayName(file);
+    try {
+        if (Base::fileSize(file) > largestReport)
+            throw ImportError(
+                fmt::format("“{}” is larger than 50 MB, which is too big for an analysis report.", name));
+        return Base::readFile(file, largestReport).bytes;
+    } catch (const std::system_error& error) {
+        throw ImportError(fmt::format("“{}” couldn’t be opened: {}", name, error.what()));
+    } catch (const Base::NotARegularFile& error) {
+        throw ImportError(fmt::format("“{}” couldn’t be opened: {}", name, error.what()));
+    }
+}
+
+ImportResult import(std::string_view data, const std::string& fileName, Base::Instant now)
+{
+    try {
+        return read(data, fileName, now);
+    } catch (const ImportError& error) {
+        return ImportFailed { error.what() };
+    }
+}
+
+} // namespace Pallisande::Importer

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Tamberlin {
+
+// The attributes of one start tag; they are looked up only when asked for.
+class XMLAttributes {
+public:
+    explicit XMLAttributes(const char* const* pairs)
+        : m_pairs(pairs)
+    {
+    }
+
+    std::optional<std::string_view> find(std::string_view name) const
+    {
+        for (auto pair = m_pairs; *pair; pair += 2) {
+            if (name == *pair)
+                return std::string_view(pair[1]);
+        }
+        return std::nullopt;
+    }
+
+    // Calls `visit(name, value)` for each attribute in document order.
+    template <typename Visit> void forEach(Visit visit) const
+    {
+        for (auto pair = m_pairs; *pair; pair += 2)
+            visit(std::string_view(pair[0]), std::string_view(pair[1]));
+    }
+
+private:
+    const char* const* m_pairs; // Name, value, name, value, null.
+};
+
+struct XMLLimits {
+    std::size_t deepest = 1000; // Nested elements.
+    std::size_t elements = 50'000'000;
+};
+
+// Goes through an XML 1.0 document and calls back for each start and end tag; names are as written, prefix
+// included. No external entity is ever read. Gives the parser's reason when the document isn't well-formed or
+// passes a limit; what came before was called back all the same.
+std::optional<std::string> parseXML(std::string_view document, const XMLLimits& limits,
+    const std::function<void(std::string_view element, XMLAttributes attributes)>& onStart,
+    const std::function<void(std::string_view element)>& onEnd);
+
+} // namespace Tamberlin
