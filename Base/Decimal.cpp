@@ -351,13 +351,11 @@ Decimal Decimal::dividedBy(const Decimal& divisor, int places) const
     return { coefficient, held, negative };
 }
 
-Decimal Decimal::shifted(int power) const
+Decimal Decimal::shiftedOutside(int power) const
 {
-    const std::int64_t exponent = std::int64_t { m_exponent } + power;
-    if (exponent >= smallestExponent && exponent <= largestExponent)
-        return { m_coefficient, static_cast<int>(exponent), m_negative };
-    const auto [coefficient, held] = roundedToFit(Product(m_coefficient), exponent);
-    return { coefficient, held, m_negative };
+    const auto [coefficient, exponent]
+        = roundedToFit(Product(m_coefficient), std::int64_t { m_exponent } + power);
+    return { coefficient, exponent, m_negative };
 }
 
 Decimal Decimal::alignedSum(const Decimal& left, const Decimal& right)
@@ -402,7 +400,7 @@ bool operator==(const Decimal& left, const Decimal& right)
     return (left <=> right) == 0;
 }
 
-std::strong_ordering operator<=>(const Decimal& left, const Decimal& right)
+std::strong_ordering Decimal::compare(const Decimal& left, const Decimal& right)
 {
     const auto sign = [](const Decimal& value) { return value.isZero() ? 0 : value.m_negative ? -1 : 1; };
     const int leftSign = sign(left);

@@ -24,7 +24,7 @@ public:
 
     constexpr Decimal() = default;
     constexpr Decimal(std::int64_t value)
-        : m_coefficient(value < 0 ? UInt128(0) - UInt128(value) : UInt128(value))
+        : m_coefficient(value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value))
         , m_negative(value < 0)
     {
     }
@@ -65,7 +65,13 @@ public:
     // The quotient to `places` digits after the point, half away from zero. The divisor mustn't be zero.
     Decimal dividedBy(const Decimal& divisor, int places) const;
     // The value × 10^`power`, exactly: shifted(-2) is a hundredth.
-    Decimal shifted(int power) const;
+    Decimal shifted(int power) const
+    {
+        const int exponent = m_exponent + power;
+        if (exponent >= smallestExponent && exponent <= largestExponent) [[likely]]
+            return { m_coefficient, exponent, m_negative };
+        return shiftedOutside(power);
+    }
     Decimal magnitude() const { return { m_coefficient, m_exponent, false }; }
 
     Decimal operator-() const { return { m_coefficient, m_exponent, !m_negative }; }
@@ -81,18 +87,24 @@ public:
     friend Decimal operator-(const Decimal& left, const Decimal& right) { return left + -right; }
     friend Decimal operator*(const Decimal& left, const Decimal& right)
     {
-        UInt128 product = 0;
         const int exponent = left.m_exponent + right.m_exponent;
-        if (!__builtin_mul_overflow(left.m_coefficient, right.m_coefficient, &product) && product < limit
-            && exponent >= smallestExponent && exponent <= largestExponent) [[likely]]
-            return { product, exponent, left.m_negative != right.m_negative };
+        if ((left.m_coefficient | right.m_coefficient) >> 64 == 0) [[likely]] {
+            const UInt128 product = left.m_coefficient * right.m_coefficient;
+            if (product < limit && exponent >= smallestExponent && exponent <= largestExponent) [[likely]]
+                return { product, exponent, left.m_negative != right.m_negative };
+        }
         return roundedProduct(left, right);
     }
     Decimal& operator+=(const Decimal& other) { return *this = *this + other; }
     Decimal& operator-=(const Decimal& other) { return *this = *this - other; }
 
     friend bool operator==(const Decimal& left, const Decimal& right);
-    friend std::strong_ordering operator<=>(const Decimal& left, const Decimal& right);
+    friend std::strong_ordering operator<=>(const Decimal& left, const Decimal& right)
+    {
+        if (left.m_exponent == right.m_exponent && !left.m_negative && !right.m_negative) [[likely]]
+            return left.m_coefficient <=> right.m_coefficient;
+        return compare(left, right);
+    }
 
     std::size_t hash() const;
 
@@ -107,15 +119,18 @@ private:
     {
     }
 
-    // What the operators above leave over: different exponents or signs, and results that may need rounding.
+    // What the functions above leave over: different exponents or signs, long factors, and results that may need
+    // rounding.
     static Decimal alignedSum(const Decimal& left, const Decimal& right);
     static Decimal roundedProduct(const Decimal& left, const Decimal& right);
+    static std::strong_ordering compare(const Decimal& left, const Decimal& right);
+    Decimal shiftedOutside(int power) const;
 
     // |value| = m_coefficient × 10^m_exponent; the coefficient is below 10^38. Zero may carry any sign and
     // exponent.
     UInt128 m_coefficient = 0;
     std::int16_t m_exponent = 0;
-    bool m_negative = false;
+    alignas(8) bool m_negative = false; // Apart from the exponent: loading both at once right after storing them stalls.
 };
 
 } // namespace Base

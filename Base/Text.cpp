@@ -71,9 +71,17 @@ template <typename IsWhite> std::string_view trimmedBy(std::string_view text, Is
     return text.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from));
 }
 
+bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 bool isAscii(std::string_view text)
 {
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return std::all_of(text.begin(), text.end(), [](char c) { return isAscii(c); });
+}
+
+char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+icu::UnicodeString folded(std::string_view text)
+{
+    return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), length(text))).foldCase();
 }
 
 // Where the last user-perceived character ends that `goesOn(its number, where it ends)` accepts.
@@ -108,23 +116,24 @@ std::string_view trimmedOfMarks(std::string_view text)
     return trimmedBy(text, [](UChar32 c) { return u_isUWhiteSpace(c) || c == byteOrderMark; });
 }
 
-std::string caseFolded(std::string_view text)
+bool equalIgnoringCase(std::string_view left, std::string_view right)
 {
-    if (isAscii(text))
-        return asciiLowered(text);
-    std::string folded;
-    icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), length(text))).foldCase().toUTF8String(folded);
-    return folded;
+    // Mostly ASCII letters settle it, without memory of its own.
+    const auto [inLeft, inRight] = std::mismatch(left.begin(), left.end(), right.begin(), right.end(),
+        [](char a, char b) { return isAscii(a) && isAscii(b) && lowered(a) == lowered(b); });
+    left.remove_prefix(static_cast<std::size_t>(inLeft - left.begin()));
+    right.remove_prefix(static_cast<std::size_t>(inRight - right.begin()));
+    if (left.empty() || right.empty())
+        return left.empty() && right.empty();
+    const bool isSettled = isAscii(left.front()) && isAscii(right.front());
+    return !isSettled && folded(left) == folded(right);
 }
 
 std::string asciiLowered(std::string_view text)
 {
-    std::string lowered(text);
-    for (char& c : lowered) {
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    }
-    return lowered;
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), lowered);
+    return result;
 }
 
 bool naturallyBefore(std::string_view left, std::string_view right)

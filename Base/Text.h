@@ -11,8 +11,8 @@ std::string_view trimmed(std::string_view text);
 // The same, and U+FEFF counts as white space too.
 std::string_view trimmedOfMarks(std::string_view text);
 
-// Text in the form in which letter case doesn't matter (Unicode full case folding, no locale).
-std::string caseFolded(std::string_view text);
+// Whether two texts are the same when letter case doesn't matter (Unicode full case folding, no locale).
+bool equalIgnoringCase(std::string_view left, std::string_view right);
 
 // Lower case for ASCII letters only: file extensions and the like.
 std::string asciiLowered(std::string_view text);

@@ -1,6 +1,7 @@
 #include "Base/Uuid.h"
 
-#include <random>
+#include <system_error>
+#include <unistd.h>
 
 namespace Base {
 
@@ -19,16 +20,33 @@ int hexValue(char c)
     return -1;
 }
 
+// Random numbers of the system, fetched many at a time, since asking costs far more than the numbers.
+class RandomWords {
+public:
+    std::uint64_t next()
+    {
+        if (m_used == m_words.size()) {
+            if (getentropy(m_words.data(), sizeof m_words) != 0)
+                throw std::system_error(errno, std::generic_category());
+            m_used = 0;
+        }
+        return m_words[m_used++];
+    }
+
+private:
+    std::array<std::uint64_t, 32> m_words; // As much as one call gives.
+    std::size_t m_used = m_words.size();
+};
+
 bool isHyphenPlace(std::size_t place) { return place == 8 || place == 13 || place == 18 || place == 23; }
 
 } // namespace
 
 Uuid Uuid::random()
 {
-    thread_local std::random_device source;
-    const auto word = [] { return (std::uint64_t { source() } << 32) | source(); };
+    thread_local RandomWords words;
     constexpr std::uint64_t version = 0x4000, variant = 0x8000'0000'0000'0000;
-    return { (word() & ~std::uint64_t { 0xF000 }) | version, (word() >> 2) | variant };
+    return { (words.next() & ~std::uint64_t { 0xF000 }) | version, (words.next() >> 2) | variant };
 }
 
 std::optional<Uuid> Uuid::parse(std::string_view text)

@@ -4,21 +4,17 @@
 
 namespace Pallisande {
 
-namespace {
-
-void addMetric(BandMap<std::int64_t>& total, const BandMap<std::int64_t>& metric)
+void add(BandMap<std::int64_t>& total, const BandMap<std::int64_t>& metric)
 {
     metric.forEach(
         [&](MatchBand band, std::int64_t count) { total[band] = Base::Checked::add(total[band], count); });
 }
 
-} // namespace
-
 void BandCounts::add(const BandCounts& other)
 {
-    addMetric(words, other.words);
-    addMetric(segments, other.segments);
-    addMetric(characters, other.characters);
+    Pallisande::add(words, other.words);
+    Pallisande::add(segments, other.segments);
+    Pallisande::add(characters, other.characters);
 }
 
 std::int64_t sum(const BandMap<std::int64_t>& metric)

@@ -41,6 +41,9 @@ struct BandCounts {
 };
 static_assert(Base::listsEveryMember<BandCounts>);
 
+// Adds one metric to another, band by band.
+void add(BandMap<std::int64_t>& total, const BandMap<std::int64_t>& metric);
+
 // The sum of one metric over all bands.
 std::int64_t sum(const BandMap<std::int64_t>& metric);
 

@@ -41,7 +41,7 @@ public:
         if (element == "language")
             takeFirst(m_targetLanguage, attributes.find("name"));
         else if (element == "file")
-            m_fileName = std::string(attributes.find("name").value_or(nextFileName()));
+            m_fileName = attributes.find("name");
         else if (element == "batchTotal")
             m_inBatch = true;
         else if (element == "analyse")
@@ -121,16 +121,11 @@ private:
 
     Numbers numbers(Tamberlin::XMLAttributes attributes)
     {
-        Numbers numbers;
-        attributes.forEach([&](std::string_view name, std::string_view value) {
-            if (name == "words")
-                numbers.words = number(value).value_or(0);
-            else if (name == "segments")
-                numbers.segments = number(value);
-            else if (name == "characters")
-                numbers.characters = number(value);
-        });
-        return numbers;
+        const auto read = [&](std::string_view name) {
+            const auto text = attributes.find(name);
+            return text ? number(*text) : std::nullopt;
+        };
+        return { read("segments"), read("words").value_or(0), read("characters") };
     }
 
     void addToBand(MatchBand band, const Numbers& numbers)
@@ -189,7 +184,7 @@ private:
     std::optional<Reader> m_batch;
     std::optional<Reader> m_current;
     std::optional<std::string> m_targetLanguage;
-    std::optional<std::string> m_fileName;
+    std::optional<std::string> m_fileName; // Nothing outside a file, and for one without a name.
     bool m_inBatch = false;
     bool m_sawAnalyse = false;
     bool m_isAbsurd = false;

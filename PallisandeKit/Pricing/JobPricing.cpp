@@ -14,8 +14,9 @@ namespace {
 using Base::Decimal;
 using Problem = JobPrice::Problem;
 
+// What all analyses have together; segments are never billed.
 struct MergedCounts {
-    BandCounts counts;
+    BandMap<std::int64_t> words, characters;
     std::int64_t mismatches = 0;
 };
 
@@ -23,8 +24,10 @@ MergedCounts merged(std::span<const Analysis> analyses)
 {
     MergedCounts merged;
     for (const auto& analysis : analyses) {
-        for (const auto& row : analysis.rows)
-            merged.counts.add(row.counts);
+        for (const auto& row : analysis.rows) {
+            add(merged.words, row.counts.words);
+            add(merged.characters, row.counts.characters);
+        }
         merged.mismatches += analysis.mismatchCount();
     }
     return merged;
@@ -38,18 +41,19 @@ void priceTarget(JobPrice& price, std::optional<std::int64_t> targetUnits)
     price.weightedUnits = price.units;
 }
 
-void priceBands(JobPrice& price, const BandCounts& counts, const BandWeights& weights)
+void priceBands(JobPrice& price, const MergedCounts& counts, const BandWeights& weights)
 {
-    if (price.unit == RateUnit::character && counts.characters.isEmpty() && sum(counts.words) > 0)
+    const bool isPerCharacter = price.unit == RateUnit::character;
+    if (isPerCharacter && counts.characters.isEmpty() && sum(counts.words) > 0)
         price.problems.push_back({ .kind = Problem::Kind::noCharacters });
     for (const auto band : allMatchBands) {
-        const auto units = counts.count(band, price.unit);
+        const auto units = (isPerCharacter ? counts.characters : counts.words).valueOr(band, 0);
         const bool isFloored = band == MatchBand::fuzzy50 && weights.floor75;
         const auto weight = isFloored ? Decimal(100) : weights.percentOf(band);
-        const BandLine line { band, units, weight, (units * weight).shifted(-2) };
+        const auto weightedUnits = (units * weight).shifted(-2);
+        price.bands.push_back({ band, units, weight, weightedUnits });
         price.units = Base::Checked::add(price.units, units);
-        price.weightedUnits += line.weightedUnits;
-        price.bands.push_back(line);
+        price.weightedUnits += weightedUnits;
     }
 }
 
@@ -91,9 +95,9 @@ JobPrice JobPricing::price(std::span<const Analysis> analyses, std::optional<std
     price.taxPercent = terms.taxPercent;
     price.taxLabel = terms.taxLabel;
 
-    const auto [counts, mismatches] = merged(analyses);
-    if (mismatches > 0)
-        price.problems.push_back({ .kind = Problem::Kind::analysisMismatch, .count = mismatches });
+    const auto counts = merged(analyses);
+    if (counts.mismatches > 0)
+        price.problems.push_back({ .kind = Problem::Kind::analysisMismatch, .count = counts.mismatches });
     if (const auto band = terms.weights.firstInvalidBand())
         price.problems.push_back({ .kind = Problem::Kind::badWeight, .band = *band });
 

@@ -8,7 +8,7 @@ namespace {
 
 bool sameLanguage(const std::string& left, const std::string& right)
 {
-    return left == right || Base::caseFolded(Base::trimmed(left)) == Base::caseFolded(Base::trimmed(right));
+    return Base::equalIgnoringCase(Base::trimmed(left), Base::trimmed(right));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,17 +20,10 @@ public:
     std::optional<std::string_view> find(std::string_view name) const
     {
         for (auto pair = m_pairs; *pair; pair += 2) {
-            if (name == *pair)
+            if (std::strncmp(*pair, name.data(), name.size()) == 0 && (*pair)[name.size()] == '\0')
                 return std::string_view(pair[1]);
         }
         return std::nullopt;
-    }
-
-    // Calls `visit(name, value)` for each attribute in document order.
-    template <typename Visit> void forEach(Visit visit) const
-    {
-        for (auto pair = m_pairs; *pair; pair += 2)
-            visit(std::string_view(pair[0]), std::string_view(pair[1]));
     }
 
 private:

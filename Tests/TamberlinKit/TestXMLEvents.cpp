@@ -28,8 +28,10 @@ Events events(std::string_view document, const Tamberlin::XMLLimits& limits = {}
         document, limits,
         [&](std::string_view element, Tamberlin::XMLAttributes attributes) {
             add("<", element);
-            attributes.forEach(
-                [&](auto name, auto value) { add("", std::string(name) + "=" + std::string(value)); });
+            for (const auto* const name : { "b", "c", "x" }) {
+                if (const auto value = attributes.find(name))
+                    add(name, "=" + std::string(*value));
+            }
         },
         [&](std::string_view element) { add(">", element); });
     return events;
