@@ -150,24 +150,20 @@ void JsonWriter::end(char bracket)
 void JsonWriter::plainKey(std::string_view key)
 {
     startLine();
-    add('"');
-    add(key);
-    add('"');
-    endKey();
+    char* at = room(key.size() + std::string_view("\"\": ").size());
+    *at++ = '"';
+    at = std::copy(key.begin(), key.end(), at);
+    *at++ = '"';
+    *at++ = ':';
+    *at = ' ';
+    m_used += key.size() + (m_pretty ? 4 : 3);
 }
 
 void JsonWriter::key(std::string_view key)
 {
     startLine();
     text(key);
-    endKey();
-}
-
-void JsonWriter::endKey()
-{
-    add(':');
-    if (m_pretty)
-        add(' ');
+    add(m_pretty ? ": " : ":");
 }
 
 void JsonWriter::text(std::string_view text)

@@ -42,7 +42,7 @@ public:
     void endObject() { end('}'); }
     void beginArray() { begin('['); }
     void endArray() { end(']'); }
-    // What comes next belongs to this key, which needs no escaping.
+    // What comes next belongs to this key, which needs no escaping and is shorter than a piece.
     void plainKey(std::string_view key);
     void key(std::string_view key);
     void element() { startLine(); }
@@ -108,7 +108,6 @@ private:
     void end(char bracket);
     void startLine();
     void addLineStart(bool withComma);
-    void endKey();
 
     std::string& m_text;
     std::string m_scratch;

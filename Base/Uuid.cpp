@@ -1,5 +1,7 @@
 #include "Base/Uuid.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <system_error>
 #include <unistd.h>
 
@@ -9,16 +11,24 @@ namespace {
 
 constexpr std::size_t textLength = 36;
 
-int hexValue(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
+constexpr char hexDigits[] = "0123456789ABCDEF";
+
+// The value of each character as a hexadecimal digit; what is none has the bit `noDigit`.
+constexpr std::uint8_t noDigit = 0x80;
+constexpr auto hexValues = [] {
+    std::array<std::uint8_t, 256> values {};
+    values.fill(noDigit);
+    for (std::uint8_t value = 0; value < 16; ++value) {
+        const auto digit = static_cast<unsigned char>(hexDigits[value]);
+        values[digit] = value;
+        values[value < 10 ? digit : digit - 'A' + 'a'] = value;
+    }
+    return values;
+}();
+
+// Where the two digits of each byte stand in "00112233-4455-6677-8899-AABBCCDDEEFF".
+constexpr std::array<std::uint8_t, 16> bytePlaces { 0, 2, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 28, 30, 32, 34 };
+constexpr std::array<std::uint8_t, 4> hyphenPlaces { 8, 13, 18, 23 };
 
 // Random numbers of the system, fetched many at a time, since asking costs far more than the numbers.
 class RandomWords {
@@ -38,8 +48,6 @@ private:
     std::size_t m_used = m_words.size();
 };
 
-bool isHyphenPlace(std::size_t place) { return place == 8 || place == 13 || place == 18 || place == 23; }
-
 } // namespace
 
 Uuid Uuid::random()
@@ -53,20 +61,19 @@ std::optional<Uuid> Uuid::parse(std::string_view text)
 {
     if (text.size() != textLength)
         return std::nullopt;
+    if (!std::all_of(hyphenPlaces.begin(), hyphenPlaces.end(), [&](auto place) { return text[place] == '-'; }))
+        return std::nullopt;
     Uuid id;
-    int nibbles = 0;
-    for (std::size_t place = 0; place < textLength; ++place) {
-        if (isHyphenPlace(place)) {
-            if (text[place] != '-')
-                return std::nullopt;
-            continue;
-        }
-        const int value = hexValue(text[place]);
-        if (value < 0)
-            return std::nullopt;
-        auto& half = nibbles++ < 16 ? id.high : id.low;
-        half = half << 4 | static_cast<std::uint64_t>(value);
+    unsigned all = 0;
+    for (std::size_t byte = 0; byte < bytePlaces.size(); ++byte) {
+        const auto value = [&](std::size_t place) { return hexValues[static_cast<unsigned char>(text[place])]; };
+        const unsigned upper = value(bytePlaces[byte]), lower = value(bytePlaces[byte] + std::size_t { 1 });
+        all |= upper | lower;
+        auto& half = byte < 8 ? id.high : id.low;
+        half = half << 8 | (upper << 4 | lower);
     }
+    if (all & noDigit)
+        return std::nullopt;
     return id;
 }
 
@@ -79,17 +86,13 @@ std::string Uuid::toString() const
 
 void Uuid::appendTo(std::string& text) const
 {
-    constexpr char hex[] = "0123456789ABCDEF";
     char buffer[textLength];
-    int nibbles = 0;
-    for (std::size_t place = 0; place < textLength; ++place) {
-        if (isHyphenPlace(place)) {
-            buffer[place] = '-';
-            continue;
-        }
-        const auto half = nibbles < 16 ? high : low;
-        buffer[place] = hex[half >> (60 - 4 * (nibbles % 16)) & 15];
-        ++nibbles;
+    for (const auto place : hyphenPlaces)
+        buffer[place] = '-';
+    for (std::size_t byte = 0; byte < bytePlaces.size(); ++byte) {
+        const auto value = (byte < 8 ? high : low) >> (56 - 8 * (byte % 8)) & 0xFF;
+        buffer[bytePlaces[byte]] = hexDigits[value >> 4];
+        buffer[bytePlaces[byte] + 1] = hexDigits[value & 15];
     }
     text.append(buffer, textLength);
 }

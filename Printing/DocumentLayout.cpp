@@ -19,6 +19,7 @@ constexpr double sideWidth = millimetres(67);
 constexpr double windowWidth = millimetres(85);
 constexpr double windowHeight = millimetres(45);
 constexpr double returnAddressHeight = millimetres(5);
+constexpr double aboveReturnRule = millimetres(0.4);
 constexpr double remarksWidth = millimetres(125); // Longer lines are hard to follow.
 constexpr double hairline = points(0.35);
 constexpr double aboveRule = millimetres(0.8); // The one that closes the table.
@@ -121,8 +122,9 @@ private:
             m_setter.set(m_document.senderLine, returnAddressStyle, windowWidth), m_sheet.left);
         if (returnAddress.empty())
             return m_flow.place(recipient, address);
-        Spot spot = m_flow.place(returnAddress, { 0, m_sheet.windowTop });
-        spot = std::max(spot, { 0, m_sheet.windowTop + returnAddressHeight });
+        const double above = std::max(0.0, returnAddressHeight - aboveReturnRule - returnAddress.height());
+        Spot spot = m_flow.place(returnAddress, { 0, m_sheet.windowTop + above });
+        spot.y += aboveReturnRule;
         m_flow.rule(spot, m_sheet.left, m_sheet.left + windowWidth, hairline, hairlineInk);
         spot.y += address.y - m_sheet.windowTop - returnAddressHeight;
         return m_flow.place(recipient, spot);

@@ -12,7 +12,8 @@ using Side = TypeStyle::Side;
 constexpr double padding = millimetres(1); // Above and below the text of a row.
 constexpr double belowHead = millimetres(1);
 constexpr double ruleThickness = points(0.5);
-constexpr double mostForFigures = 0.62; // Of the table's width.
+constexpr double mostForFigures = 0.7; // Of the table's width.
+constexpr double mostForUnit = millimetres(25); // It can be broken between words, which figures can’t.
 
 constexpr TypeStyle textStyle { .size = 9 };
 constexpr TypeStyle figureStyle { .size = 9, .side = Side::right };
@@ -70,6 +71,7 @@ void ItemTable::arrangeColumns(const std::vector<Cells>& rows, const std::vector
     }
     for (const auto& sum : sums)
         widths[amount] = std::max(widths[amount], sum.naturalWidth());
+    widths[unit] = std::min(widths[unit], mostForUnit);
 
     std::array<std::size_t, columnCount - 1> narrowestFirst { quantity, unit, price, amount };
     std::sort(narrowestFirst.begin(), narrowestFirst.end(),

@@ -2,6 +2,7 @@
 
 #include "Printing/PagePainter.h"
 #include "Printing/PrintingError.h"
+#include "Printing/TextNames.h"
 
 #include <QBuffer>
 #include <QPainter>
@@ -56,7 +57,9 @@ std::string makePdf(const Tamberlin::PrintedDocument& document)
     drawn = painter.end() && drawn;
     if (!drawn || !bytes.startsWith("%PDF"))
         throw PrintingError::notMade();
-    return bytes.toStdString();
+    auto pdf = bytes.toStdString();
+    nameCharactersAsWritten(pdf, layout);
+    return pdf;
 }
 
 } // namespace Pallisande

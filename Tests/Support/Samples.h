@@ -119,6 +119,23 @@ inline Pallisande::Invoice& issued(Pallisande::Library& library, std::initialize
     return issue(library, draft(library, jobs, when).id, when);
 }
 
+// Issues a credit note over `net` before tax.
+inline Pallisande::Invoice& credit(Pallisande::Library& library, const Base::Uuid& invoiceID,
+    const Base::Decimal& net, const Base::Moment& when = moment())
+{
+    auto edited = Pallisande::Ledger::makeCreditNote(library, invoiceID, when, labels());
+    edited.lines = { { .id = id(800), .title = "Credit", .quantity = -1, .unitPrice = net, .amount = -net } };
+    Pallisande::Ledger::editDraft(library, edited);
+    return issue(library, edited.id, when);
+}
+
+inline Pallisande::Payment& pay(Pallisande::Library& library, const Base::Uuid& invoiceID,
+    std::string_view amount, std::string_view date = "2026-03-09")
+{
+    return Pallisande::Ledger::addPayment(
+        library, invoiceID, { .date = noon(date), .amount = decimal(amount) }, moment());
+}
+
 // The sentence of a refused operation, which must leave the library as it was.
 template <typename Operation> std::string refusal(Pallisande::Library& library, Operation operation)
 {
