@@ -19,7 +19,8 @@ struct DocumentLayout {
     std::string missingCharacters; // Those that no font has, each once; such a document is not to be issued.
 };
 
-// Throws PrintingError::unreadableLogo. Missing characters don’t keep a draft from being shown.
+// Throws PrintingError for a logo that can’t be read and for texts that are too long. Missing characters
+// don’t keep a draft from being shown.
 DocumentLayout layOut(const Tamberlin::PrintedDocument& document);
 
 } // namespace Pallisande

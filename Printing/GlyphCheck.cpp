@@ -10,6 +10,8 @@ namespace Pallisande {
 
 namespace {
 
+constexpr qsizetype enough = 100; // Of missing characters, of which only the first are ever named.
+
 // Characters that leave no mark on paper: controls, formats, separators, and what Unicode calls ignorable by
 // default.
 bool isInvisible(char32_t character)
@@ -83,7 +85,7 @@ void GlyphCheck::inspect(const QTextLayout& text)
 
     const QString characters = text.text();
     const auto before = m_missing.size();
-    for (qsizetype at = 0, length = 1; at < characters.size(); at += length) {
+    for (qsizetype at = 0, length = 1; at < characters.size() && m_missing.size() < enough; at += length) {
         const bool pair = characters[at].isHighSurrogate() && at + 1 < characters.size();
         length = pair ? 2 : 1;
         const QString character = characters.mid(at, length);

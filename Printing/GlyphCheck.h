@@ -15,7 +15,7 @@ class GlyphCheck {
 public:
     void inspect(const QTextLayout& text);
 
-    // Each once, in the order of their first appearance.
+    // Each once, in the order of their first appearance; only the first of very many.
     const QString& missing() const { return m_missing; }
 
 private:

@@ -19,7 +19,7 @@ namespace {
 
 enum Exit { made = 0, failed = 1, wrongInput = 2, refused = 3 };
 
-constexpr std::size_t mostInput = 64 * 1024 * 1024;
+constexpr std::size_t mostInput = 16 * 1024 * 1024;
 
 int end(Exit code, const std::string& sentence)
 {
@@ -70,7 +70,7 @@ int print(int argumentCount, char** arguments)
 {
     const auto input = readInput();
     if (!input)
-        return end(wrongInput, "The document is larger than 64 MB.");
+        return end(wrongInput, "The document is larger than 16 MB.");
     try {
         const auto document = Base::fromJson<Tamberlin::PrintedDocument>(*input, {});
         const auto bytes = [&] {

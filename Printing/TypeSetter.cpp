@@ -2,6 +2,7 @@
 
 #include "Printing/DocumentFonts.h"
 #include "Printing/PageGeometry.h"
+#include "Printing/PrintingError.h"
 
 #include <QTextOption>
 
@@ -15,6 +16,10 @@ namespace {
 constexpr double abovePerSize = 1.09;
 constexpr double belowPerSize = 0.31;
 constexpr double unbroken = 1e7;
+
+// Setting a text takes time that grows with the square of its length: some seconds at the worst for this one.
+constexpr qsizetype longestText = 20'000;
+constexpr qsizetype mostText = 1'000'000;
 
 // The text with line separators for breaks, and without controls, which would be drawn as boxes.
 QString printable(std::string_view text)
@@ -135,6 +140,11 @@ SetText TypeSetter::set(std::string_view text, const TypeStyle& style)
 {
     SetText result;
     const QString characters = printable(text);
+    if (characters.size() > longestText)
+        throw PrintingError::textTooLong(text);
+    m_length += characters.size();
+    if (m_length > mostText)
+        throw PrintingError::tooLong();
     if (characters.isEmpty())
         return result;
     QTextOption option;

@@ -79,6 +79,7 @@ class TypeSetter {
 public:
     explicit TypeSetter(std::string_view language);
 
+    // Throws PrintingError::tooLong.
     SetText set(std::string_view text, const TypeStyle& style);
     // The same, broken already.
     SetText set(std::string_view text, const TypeStyle& style, double width);
@@ -89,6 +90,7 @@ private:
     QStringList m_families;
     QStringList m_eastAsianFamilies;
     GlyphCheck m_check;
+    qsizetype m_length = 0; // Of all texts so far.
 };
 
 } // namespace Pallisande

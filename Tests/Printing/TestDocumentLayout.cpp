@@ -218,6 +218,23 @@ TEST(DocumentLayout, keepsTheTotalsTogetherAndWithTheLastRow)
     }
 }
 
+TEST(DocumentLayout, breaksUnitsSoonerThanFigures)
+{
+    auto document = invoiceOf(1);
+    document.rows[0] = { .title = "Annual report",
+        .quantity = "1,234,567,890.125",
+        .unit = "standard lines of 55 characters",
+        .price = "0.123456",
+        .amount = "999,999,999,999.99" };
+    for (const auto paper : { Tamberlin::Paper::a4, Tamberlin::Paper::letter }) {
+        document.paper = paper;
+        const auto texts = pagesOf(layOut(document))[0];
+        for (const auto& figure :
+            { document.rows[0].quantity, document.rows[0].price, document.rows[0].amount })
+            EXPECT_TRUE(has(texts, figure)) << figure;
+    }
+}
+
 TEST(DocumentLayout, putsTheRecipientIntoTheWindowOfTheEnvelope)
 {
     const struct {

@@ -14,6 +14,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <tuple>
 
 using namespace Pallisande;
 
@@ -129,6 +130,31 @@ Maria Harrow · Tax no. GB 123 4567 89 INV-2026-007 · Page 1 of 1
         "\f");
 }
 
+TEST(PdfDocument, namesTheCharactersThatAreWritten)
+{
+    const std::tuple<const char*, const char*, const char*> cases[] {
+        { "two words", "<0020>", "<0009>" }, { "日", "<65E5>", "<2F47>" }, // Not the radical.
+        { "長", "<9577>", "<2ED1>" },
+        { "بب", "<0628>", "<FE91>" }, // Not its shape at the beginning of a word.
+    };
+    for (const auto& [written, name, wrongName] : cases) {
+        SCOPED_TRACE(written);
+        const Tamberlin::PrintedDocument document { .title = written };
+        if (!layOut(document).missingCharacters.empty())
+            continue; // No installed font has them.
+        const auto pdf = makePdf(document);
+        EXPECT_GE(countOf(pdf, name), 1u);
+        EXPECT_EQ(countOf(pdf, wrongName), 0u);
+    }
+}
+
+TEST(PdfDocument, isRefusedWithMoreTextThanCanBeSet)
+{
+    auto document = invoiceOf(1);
+    document.remarks = { "Terms: " + std::string(20'000, 'x') };
+    EXPECT_EQ(refusal(document), "The text “Terms: xxxxxxxxxxxxxxxxxxxxxxx…” is too long to be printed.");
+}
+
 TEST(PdfDocument, isRefusedWithCharactersThatNoFontHas)
 {
     auto document = invoiceOf(1);
@@ -200,6 +226,7 @@ TEST(PrintProgram, writesThePdfOrOneSentence)
         { Base::toJson(withBoxes), {}, 3,
             "No installed font has the characters “\u0378”; they would print as empty boxes.\n" },
         { Base::toJson(withDamagedLogo), {}, 3, unreadableLogo + "\n" },
+        { std::string(17 << 20, ' '), {}, 2, "The document is larger than 16 MB.\n" },
         { R"({"rows": [{"title": 3}]})", {}, 2,
             "The document can’t be read: rows[0].title: Unexpected number.\n" },
         { "{}", { "invoice.json" }, 2,
