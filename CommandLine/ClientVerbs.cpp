@@ -25,7 +25,7 @@ std::string clientText(const Client& client)
     std::string weights;
     for (const auto band : allMatchBands)
         weights += fmt::format(
-            "{}{} {}%", weights.empty() ? "" : ", ", label(band), client.weights.percentOf(band).toString());
+            "{}{}: {}%", weights.empty() ? "" : ", ", label(band), client.weights.percentOf(band).toString());
     properties.add("Weights", weights);
     if (const auto preset = client.weights.matchingPreset())
         properties.add("", fmt::format("Same as the example “{}”", label(*preset)));
@@ -34,7 +34,9 @@ std::string clientText(const Client& client)
     if (client.weights.floor75)
         properties.add("", "75% floor: 50–74% matches are billed as new words.");
     properties.add("Minimum fee", money(client.minimumFee, client.currency));
-    properties.add("Tax", fmt::format("{} {}%", client.taxLabel, client.taxPercent.toString()));
+    properties.add("Tax",
+        fmt::format(
+            "{}%{}{}", client.taxPercent.toString(), client.taxLabel.empty() ? "" : " ", client.taxLabel));
     properties.add("Tax note", client.taxNote);
     properties.add("Payment", fmt::format("{} days", client.paymentDays));
     properties.add("Terms", client.paymentTerms);

@@ -144,6 +144,25 @@ const Invoice& findInvoice(const Library& library, const std::string& text)
         [](const Invoice& invoice) { return invoice.number.value_or(""); });
 }
 
+const Tamberlin::RateCard& findCard(const Library& library, const std::string& text)
+{
+    return findRecord(library.counting.rateCards, text, "rate card",
+        [](const Tamberlin::RateCard& card) { return card.name; });
+}
+
+const Payment& findPayment(const Invoice& invoice, const std::string& text)
+{
+    return findRecord(
+        invoice.payments, text, "payment", [](const Payment& payment) { return payment.id.toString(); });
+}
+
+void requireCurrency(const std::string& code)
+{
+    if (!Tamberlin::Money::isCurrencyCode(code))
+        throw Refusal(
+            fmt::format("“{}” isn’t a currency code; use three capital letters such as EUR.", code));
+}
+
 std::string money(const Base::Decimal& amount, std::string_view currency)
 {
     return fmt::format("{} {}", amount.toString(Tamberlin::Money::minorDigits(currency)), currency);
@@ -158,8 +177,9 @@ std::string shortId(const Base::Uuid& id) { return id.toString().substr(0, shown
 
 void Properties::add(std::string_view name, std::string_view value)
 {
+    const auto label = name.empty() ? "" : fmt::format("{}:", name); // None: it goes with the line above.
     if (!value.empty())
-        m_text += fmt::format("{:<18}{}\n", fmt::format("{}:", name), printable(value));
+        m_text += fmt::format("{:<18}{}\n", label, printable(value));
 }
 
 } // namespace Pallisande::CommandLine

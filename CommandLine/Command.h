@@ -85,6 +85,11 @@ std::optional<Base::Instant> dayArgument(const std::string& text, const Base::Ca
 const Client& findClient(const Library& library, const std::string& text);
 const Job& findJob(const Library& library, const std::string& text);
 const Invoice& findInvoice(const Library& library, const std::string& text); // Also by its number.
+const Tamberlin::RateCard& findCard(const Library& library, const std::string& text);
+const Payment& findPayment(const Invoice& invoice, const std::string& text);
+
+// Refuses what can't be an ISO 4217 code.
+void requireCurrency(const std::string& code);
 
 // Figures for people: plain digits with a point in every locale.
 std::string money(const Base::Decimal& amount, std::string_view currency);

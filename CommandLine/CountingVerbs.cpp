@@ -51,18 +51,6 @@ std::string cardsText(const std::vector<RateCard>& cards, const std::optional<Ba
     return table.text();
 }
 
-RateCard& findCard(Library& library, const std::string& text)
-{
-    auto& cards = library.counting.rateCards;
-    const auto found = std::find_if(cards.begin(), cards.end(), [&](const RateCard& card) {
-        return card.name == text || card.id == Base::Uuid::parse(text)
-            || (text.size() >= 4 && card.id.toString().starts_with(text));
-    });
-    if (found == cards.end())
-        throw Refusal(fmt::format("There is no rate card “{}”.", text));
-    return *found;
-}
-
 void listCards(Command& command)
 {
     const auto session = command.reading();
@@ -78,7 +66,11 @@ void printCard(Command& command, const RateCard& card)
 void addCard(Command& command)
 {
     auto session = command.writing();
-    const auto card = recordFromInput<RateCard>(session.moment());
+    auto card = recordFromInput<RateCard>(session.moment());
+    requireCurrency(card.currency);
+    const auto& cards = session.library().counting.rateCards;
+    if (std::any_of(cards.begin(), cards.end(), [&](const RateCard& other) { return other.id == card.id; }))
+        card.id = Base::Uuid::random();
     command.change(session, [&](Library& library) {
         library.counting.rateCards.push_back(card);
         return true;
@@ -89,12 +81,15 @@ void addCard(Command& command)
 void editCard(Command& command, const std::string& name)
 {
     auto session = command.writing();
-    const auto card = command.change(session, [&](Library& library) {
-        auto& found = findCard(library, name);
-        const auto id = found.id;
-        found = patchedFromInput(found, session.moment());
-        found.id = id;
-        return found;
+    const auto id = findCard(session.library(), name).id;
+    auto card = patchedFromInput(findCard(session.library(), name), session.moment());
+    card.id = id;
+    requireCurrency(card.currency);
+    command.change(session, [&](Library& library) {
+        auto& cards = library.counting.rateCards;
+        std::replace_if(
+            cards.begin(), cards.end(), [&](const RateCard& other) { return other.id == id; }, card);
+        return true;
     });
     printCard(command, card);
 }
@@ -102,11 +97,11 @@ void editCard(Command& command, const std::string& name)
 void deleteCard(Command& command, const std::string& name)
 {
     auto session = command.writing();
+    const auto id = findCard(session.library(), name).id;
+    if (session.library().counting.rateCards.size() == 1)
+        throw Refusal("Keep at least one rate card.");
     command.change(session, [&](Library& library) {
         auto& counting = library.counting;
-        const auto id = findCard(library, name).id;
-        if (counting.rateCards.size() == 1)
-            throw Refusal("Keep at least one rate card.");
         std::erase_if(counting.rateCards, [&](const RateCard& card) { return card.id == id; });
         counting.cardClients.erase(id);
         if (counting.rateCardID == id)
@@ -154,8 +149,7 @@ void addCountingVerbs(CLI::App& app, Command& command)
     };
     addNamed("show", "Show one", [&command, name] {
         const auto session = command.reading();
-        auto library = session.library();
-        printCard(command, findCard(library, *name));
+        printCard(command, findCard(session.library(), *name));
     });
     addNamed("edit", "Change the keys given as JSON on standard input",
         [&command, name] { editCard(command, *name); });

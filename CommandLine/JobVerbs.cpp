@@ -148,7 +148,7 @@ void setStatus(Command& command, const std::string& name, const std::string& sta
 std::string priceText(const Job& job, const JobPrice& price, const BandWeights& weights)
 {
     const auto amount = [&](const Base::Decimal& value) { return money(value, price.currency); };
-    std::string text = jobName(job) + "\n\n";
+    std::string text = printable(jobName(job)) + "\n\n";
     const std::string unit(price.unit == RateUnit::word ? "Words" : "Characters");
     if (price.basis == WordBasis::source) {
         Table bands({ { "Band" }, { unit, Table::Align::right }, { "Weight", Table::Align::right },

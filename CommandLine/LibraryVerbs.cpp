@@ -19,11 +19,11 @@ void makeLibrary(Command& command, bool startsAnew)
     if (session.readOnlyReason() == ReadOnlyReason::missingFile && startsAnew) {
         session.takeMessages();
         session.startAnew();
-    }
-    session.requireWritable();
-    if (session.store().exists() && !startsAnew)
-        throw Refusal(fmt::format("“{}” already holds a library.", folder.string()));
-    if (!session.store().exists()) {
+    } else {
+        session.requireWritable();
+        Command::tell(session); // A damaged library may just have been moved aside.
+        if (session.store().exists())
+            throw Refusal(fmt::format("“{}” already holds a library.", folder.string()));
         session.change([](Library&) { return true; });
         session.save();
     }
@@ -36,7 +36,7 @@ void check(Command& command)
     const auto session = command.reading();
     const auto check = checkLibrary(session);
     std::string text = fmt::format(
-        "{} clients, {} jobs, {} issued documents.\n", check.clients, check.jobs, check.documents);
+        "Clients: {}, jobs: {}, issued documents: {}.\n", check.clients, check.jobs, check.documents);
     for (const auto& line : check.numbering)
         text += printable(line) + "\n";
     for (const auto& finding : check.findings)
@@ -58,7 +58,9 @@ void restore(Command& command, const std::string& backup)
 {
     auto session
         = LibrarySession::open(command.libraryFolder(), LibrarySession::Access::writing, command.services());
-    session.takeMessages();
+    if (session.isReadOnly()) // The restoring overcomes the reason, or gives it itself.
+        session.takeMessages();
+    Command::tell(session);
     session.restore(backup);
     Command::tell(session);
     Command::put(

@@ -2,8 +2,6 @@
 
 #include "PallisandeKit/Ledger/Ledger.h"
 
-#include <algorithm>
-
 namespace Pallisande::CommandLine {
 
 namespace {
@@ -29,18 +27,6 @@ Payment taken(Payment payment, const PaymentArguments& arguments, const Base::Ca
     if (!arguments.note.empty())
         payment.note = arguments.note;
     return payment;
-}
-
-const Payment& findPayment(const Invoice& invoice, const std::string& text)
-{
-    const auto found
-        = std::find_if(invoice.payments.begin(), invoice.payments.end(), [&](const Payment& payment) {
-              return payment.id == Base::Uuid::parse(text)
-                  || (text.size() >= 4 && payment.id.toString().starts_with(text));
-          });
-    if (found == invoice.payments.end())
-        throw LedgerError::notFound();
-    return *found;
 }
 
 void print(

@@ -36,19 +36,24 @@ void showProfile(Command& command)
     command.print(session.library().profile, profileText(session.library().profile));
 }
 
+void requireLogo(std::string_view bytes)
+{
+    const bool isImage = bytes.starts_with("\x89PNG\r\n\x1A\n") || bytes.starts_with("\xFF\xD8\xFF");
+    if (!isImage || bytes.size() >= logoLimit)
+        throw Refusal("Choose a PNG or JPEG under 2 MB for the logo.");
+}
+
 // The image as it is kept: Base64 of a PNG or JPEG file.
 std::string logoFromFile(const std::string& path)
 {
-    constexpr std::string_view sentence = "Choose a PNG or JPEG under 2 MB for the logo.";
     try {
-        const auto bytes = Base::readFile(std::filesystem::path(path), logoLimit - 1).bytes;
-        if (!bytes.starts_with("\x89PNG\r\n\x1A\n") && !bytes.starts_with("\xFF\xD8\xFF"))
-            throw Refusal(std::string(sentence));
+        const auto bytes = Base::readFile(std::filesystem::path(path), logoLimit).bytes;
+        requireLogo(bytes);
         return Base::toBase64(bytes);
     } catch (const std::system_error& error) {
-        throw Refusal(error.code().value() == EFBIG
-                ? std::string(sentence)
-                : fmt::format("“{}” couldn’t be opened: {}", path, error.what()));
+        if (error.code().value() == EFBIG)
+            requireLogo({});
+        throw Refusal(fmt::format("“{}” couldn’t be opened: {}", path, error.what()));
     }
 }
 
@@ -67,9 +72,14 @@ void editProfile(Command& command, const ProfileEdit& edit)
         profile.sender.logo.reset();
     else
         profile = patchedFromInput(profile, session.moment());
-    if (!Tamberlin::Money::isCurrencyCode(profile.homeCurrency))
-        throw Refusal(fmt::format(
-            "“{}” isn’t a currency code; use three capital letters such as EUR.", profile.homeCurrency));
+    if (const auto& given = profile.sender.logo; given && given != session.library().profile.sender.logo)
+        requireLogo(Base::fromBase64(*given).value_or(""));
+    requireCurrency(profile.homeCurrency);
+    for (const auto which :
+        { Ledger::Series::invoices, Ledger::Series::creditNotes, Ledger::Series::quotes }) {
+        if (Ledger::series(profile, which).next != Ledger::series(session.library().profile, which).next)
+            throw Refusal("The next number of a series is set with “series set-next”.");
+    }
     command.change(session, [&](Library& library) { return library.profile = profile; });
     command.print(profile, profileText(profile));
 }

@@ -9,10 +9,12 @@ namespace Pallisande::CommandLine {
 std::string printable(std::string_view text)
 {
     auto shown = Base::validUtf8(text);
-    for (char& c : shown) {
-        const auto byte = static_cast<unsigned char>(c);
+    for (std::size_t place = 0; place < shown.size(); ++place) {
+        const auto byte = static_cast<unsigned char>(shown[place]);
         if (byte < 0x20 || byte == 0x7F)
-            c = ' ';
+            shown[place] = ' ';
+        else if (byte == 0xC2 && static_cast<unsigned char>(shown[place + 1]) < 0xA0) // U+0080 to U+009F
+            shown.replace(place, 2, " ");
     }
     return shown;
 }

@@ -1,6 +1,6 @@
 #include "CommandLine/Command.h"
 
-#include "Base/Text.h"
+#include "CommandLine/Table.h"
 
 #include <fmt/format.h>
 
@@ -12,8 +12,15 @@ constexpr int done = 0, refused = 1, wrongUsage = 2;
 
 int refuse(std::string_view sentence)
 {
-    fmt::print(stderr, "{}\n", sentence);
+    fmt::print(stderr, "{}\n", Pallisande::CommandLine::printable(sentence));
     return refused;
+}
+
+// A full disk shows when the last of the output is written; half a list must not pass for a whole one.
+int finish()
+{
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? done
+                                                                : refuse("The output couldn’t be written.");
 }
 
 } // namespace
@@ -43,9 +50,22 @@ int main(int argc, char** argv)
 
     try {
         app.parse(argc, argv);
-        return done;
+        return finish();
+    } catch (const CLI::RequiredError& error) {
+        const CLI::App* last = &app;
+        while (!last->get_subcommands().empty())
+            last = last->get_subcommands().front();
+        const auto words = app.remaining(true);
+        const bool isMeantAsVerb
+            = last->get_require_subcommand_min() > 0 && !words.empty() && !words.front().starts_with('-');
+        if (isMeantAsVerb) {
+            refuse(fmt::format("“{}” isn’t a verb here; --help lists them.", words.front()));
+            return wrongUsage;
+        }
+        app.exit(error);
+        return wrongUsage;
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? done : wrongUsage;
+        return app.exit(error) == 0 ? finish() : wrongUsage; // Help is an “error” of code 0.
     } catch (const std::bad_alloc&) {
         return refuse("There is not enough memory.");
     } catch (const std::exception& error) { // Every refusal carries its sentence.

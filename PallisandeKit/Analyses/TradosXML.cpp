@@ -40,9 +40,10 @@ public:
             return; // Its name isn't used; the analysis is named after the file.
         if (element == "language")
             takeFirst(m_targetLanguage, attributes.find("name"));
-        else if (element == "file")
-            m_fileName = attributes.find("name");
-        else if (element == "batchTotal")
+        else if (element == "file") {
+            const auto name = attributes.find("name");
+            m_fileName = name ? std::string(*name) : nextFileName();
+        } else if (element == "batchTotal")
             m_inBatch = true;
         else if (element == "analyse")
             m_current.emplace();
@@ -184,7 +185,7 @@ private:
     std::optional<Reader> m_batch;
     std::optional<Reader> m_current;
     std::optional<std::string> m_targetLanguage;
-    std::optional<std::string> m_fileName; // Nothing outside a file, and for one without a name.
+    std::optional<std::string> m_fileName;
     bool m_inBatch = false;
     bool m_sawAnalyse = false;
     bool m_isAbsurd = false;
