@@ -67,9 +67,9 @@ public:
     // The value × 10^`power`, exactly: shifted(-2) is a hundredth.
     Decimal shifted(int power) const
     {
-        const int exponent = m_exponent + power;
+        const std::int64_t exponent = std::int64_t { m_exponent } + power;
         if (exponent >= smallestExponent && exponent <= largestExponent) [[likely]]
-            return { m_coefficient, exponent, m_negative };
+            return { m_coefficient, static_cast<int>(exponent), m_negative };
         return shiftedOutside(power);
     }
     Decimal magnitude() const { return { m_coefficient, m_exponent, false }; }

@@ -101,7 +101,7 @@ void edit(Command& command, const std::string& name)
     auto edited = patchedFromInput(old, session.moment());
     edited.id = id;
     command.change(session, [&](Library& library) {
-        Ledger::editDraft(library, edited);
+        Ledger::editDraft(library, edited, session.moment().now);
         return true;
     });
     print(command, session, id);
@@ -112,7 +112,7 @@ void remove(Command& command, const std::string& name)
     auto session = command.writing();
     const auto id = findInvoice(session.library(), name).id;
     command.change(session, [&](Library& library) {
-        Ledger::deleteDraft(library, id);
+        Ledger::deleteDraft(library, id, session.moment().now);
         return true;
     });
 }

@@ -157,7 +157,7 @@ Invoice& draftInvoice(Library& library, std::span<const Base::Uuid> jobIDs, cons
     return added;
 }
 
-void editDraft(Library& library, const Invoice& edited)
+void editDraft(Library& library, const Invoice& edited, Base::Instant now)
 {
     auto& draft = requiredDraft(library, edited.id);
     if (edited.number || edited.issuedAt)
@@ -181,20 +181,29 @@ void editDraft(Library& library, const Invoice& edited)
     draft = std::move(changed);
     if (draft.kind != DocumentKind::invoice)
         return;
+    const auto change = [&](const Base::Uuid& id, std::optional<Base::Uuid> invoiceID) {
+        auto* const job = library.job(id);
+        if (!job || job->invoiceID == invoiceID)
+            return;
+        job->invoiceID = invoiceID;
+        job->modified = now;
+    };
     for (const auto& id : before) {
-        if (auto* const job = library.job(id); job && !after.contains(id))
-            job->invoiceID.reset();
+        if (!after.contains(id))
+            change(id, std::nullopt);
     }
     for (const auto& id : after)
-        library.job(id)->invoiceID = draft.id;
+        change(id, draft.id);
 }
 
-void deleteDraft(Library& library, const Base::Uuid& id)
+void deleteDraft(Library& library, const Base::Uuid& id, Base::Instant now)
 {
     requiredDraft(library, id);
     for (auto& job : library.jobs) {
-        if (job.invoiceID == id)
+        if (job.invoiceID == id) {
             job.invoiceID.reset();
+            job.modified = now;
+        }
     }
     std::erase_if(library.invoices, [&](const Invoice& invoice) { return invoice.id == id; });
 }

@@ -99,7 +99,14 @@ std::string giveQuoteNumber(Library& library, const Base::Uuid& jobID, const Bas
 {
     auto& job = required(library.job(jobID));
     if (!job.quoteNumber) {
-        job.quoteNumber = library.profile.quoteSeries.issue(moment.calendar.day(moment.now).year).number;
+        auto series = library.profile.quoteSeries;
+        const auto number = series.issue(moment.calendar.day(moment.now).year).number;
+        for (const auto& other : library.jobs) {
+            if (other.quoteNumber == number)
+                throw LedgerError::numberTaken(number);
+        }
+        job.quoteNumber = number;
+        library.profile.quoteSeries = std::move(series);
         job.modified = moment.now;
     }
     return *job.quoteNumber;

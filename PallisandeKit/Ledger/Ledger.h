@@ -40,8 +40,9 @@ Invoice& draftInvoice(Library& library, std::span<const Base::Uuid> jobIDs, cons
     const Tamberlin::DocumentLabels& labels);
 // Takes over what may be edited on a draft: lines, days, tax, terms, notes and the client's details as
 // printed. Jobs that no line names any more are free again.
-void editDraft(Library& library, const Invoice& edited);
-void deleteDraft(Library& library, const Base::Uuid& id); // Its jobs are free again and keep their status.
+void editDraft(Library& library, const Invoice& edited, Base::Instant now);
+// Its jobs are free again and keep their status.
+void deleteDraft(Library& library, const Base::Uuid& id, Base::Instant now);
 
 // --- Issuing
 
@@ -125,7 +126,9 @@ constexpr std::array<std::string_view, 3> caseNames(Series)
 
 NumberSeries& series(Profile& profile, Series which);
 const NumberSeries& series(const Profile& profile, Series which);
-// Sets the first number of a series (in `year`, where it counts by years); refused once numbers were issued.
+// Sets the first number of a series (in `year`, where it counts by years). Once numbers were issued, only the
+// one after the last of them can be set, which brings a series back that was changed from or to counting by
+// years.
 void setNextNumber(Library& library, Series which, std::int64_t year, std::int64_t next);
 
 // What is wrong with the numbers of issued documents, a line each; one line says so when nothing is.

@@ -62,7 +62,8 @@ Payment& addPayment(
     auto& invoice = payable(library, invoiceID);
     checkAmount(payment);
     complete(payment, library, invoice, moment);
-    if (payment.id.isNil())
+    const auto isSame = [&](const Payment& other) { return other.id == payment.id; };
+    if (payment.id.isNil() || std::any_of(invoice.payments.begin(), invoice.payments.end(), isSame))
         payment.id = Base::Uuid::random();
     invoice.payments.push_back(std::move(payment));
     settle(library, invoice, moment);

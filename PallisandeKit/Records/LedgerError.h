@@ -57,6 +57,7 @@ public:
     static LedgerError paymentOnDraft() { return { Case::invalid, "Payments go on issued invoices." }; }
     static LedgerError paymentNotPositive() { return { Case::invalid, "A payment must be more than zero." }; }
     static LedgerError numberBelowOne() { return { Case::invalid, "Numbers start at 1." }; }
+    static LedgerError numberTooLarge() { return { Case::invalid, "Numbers end at 999,999,999." }; }
     static LedgerError seriesContinues()
     {
         return { Case::invalid,

@@ -211,7 +211,7 @@ private:
                 = Ledger::makeCreditNote(library, invoiceID, m_moment, Tamberlin::DocumentLabels::of("en"));
             std::erase_if(note.lines, [](const InvoiceLine& line) { return line.title != "Layout check"; });
             note.notes = "The layout check was not needed.";
-            Ledger::editDraft(library, note);
+            Ledger::editDraft(library, note, m_moment.now);
             return note.id;
         });
         tellIssued(id);

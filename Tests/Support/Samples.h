@@ -125,7 +125,7 @@ inline Pallisande::Invoice& credit(Pallisande::Library& library, const Base::Uui
 {
     auto edited = Pallisande::Ledger::makeCreditNote(library, invoiceID, when, labels());
     edited.lines = { { .id = id(800), .title = "Credit", .quantity = -1, .unitPrice = net, .amount = -net } };
-    Pallisande::Ledger::editDraft(library, edited);
+    Pallisande::Ledger::editDraft(library, edited, when.now);
     return issue(library, edited.id, when);
 }
 
