@@ -1,5 +1,7 @@
 #include "TamberlinKit/Markup/XMLEvents.h"
 
+#include "TamberlinKit/Text/ReadError.h"
+
 #include <expat.h>
 
 #include <algorithm>
@@ -19,6 +21,7 @@ struct Parse {
     const XMLLimits& limits;
     const std::function<void(std::string_view, XMLAttributes)>& onStart;
     const std::function<void(std::string_view)>& onEnd;
+    const std::function<void(std::string_view)>& onText;
     std::size_t depth = 0;
     std::size_t elements = 0;
     std::string refusal;
@@ -65,22 +68,34 @@ void endElement(void* data, const XML_Char* name)
     parse.guarded([&] { parse.onEnd(name); });
 }
 
+void text(void* data, const XML_Char* characters, int length)
+{
+    auto& parse = *static_cast<Parse*>(data);
+    if (!parse.isStopped())
+        parse.guarded([&] { parse.onText({ characters, static_cast<std::size_t>(length) }); });
+}
+
 } // namespace
 
 std::optional<std::string> parseXML(std::string_view document, const XMLLimits& limits,
     const std::function<void(std::string_view, XMLAttributes)>& onStart,
-    const std::function<void(std::string_view)>& onEnd)
+    const std::function<void(std::string_view)>& onEnd, const std::function<void(std::string_view)>& onText,
+    const std::stop_token& cancel)
 {
     const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
         XML_ParserCreate(nullptr), &XML_ParserFree);
     if (!parser)
         throw std::bad_alloc();
-    Parse parse { parser.get(), limits, onStart, onEnd, 0, 0, {}, nullptr };
+    Parse parse { parser.get(), limits, onStart, onEnd, onText, 0, 0, {}, nullptr };
     XML_SetUserData(parser.get(), &parse);
     XML_SetElementHandler(parser.get(), &startElement, &endElement);
+    if (onText)
+        XML_SetCharacterDataHandler(parser.get(), &text);
 
     auto status = XML_STATUS_OK;
     do {
+        if (cancel.stop_requested())
+            throw Cancelled();
         const auto piece = document.substr(0, std::min(document.size(), pieceBytes));
         document.remove_prefix(piece.size());
         status = XML_Parse(parser.get(), piece.data(), static_cast<int>(piece.size()), document.empty());

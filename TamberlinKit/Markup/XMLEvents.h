@@ -4,6 +4,7 @@
 #include <cstring>
 #include <functional>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 
@@ -26,6 +27,16 @@ public:
         return std::nullopt;
     }
 
+    // The value of the first attribute whose name is accepted.
+    template <typename Accept> std::optional<std::string_view> findIf(Accept accept) const
+    {
+        for (auto pair = m_pairs; *pair; pair += 2) {
+            if (accept(std::string_view(pair[0])))
+                return std::string_view(pair[1]);
+        }
+        return std::nullopt;
+    }
+
 private:
     const char* const* m_pairs; // Name, value, name, value, null.
 };
@@ -35,11 +46,13 @@ struct XMLLimits {
     std::size_t elements = 50'000'000;
 };
 
-// Goes through an XML 1.0 document and calls back for each start and end tag; names are as written, prefix
-// included. No external entity is ever read. Gives the parser's reason when the document isn't well-formed or
-// passes a limit; what came before was called back all the same.
+// Goes through an XML 1.0 document and calls back for each start and end tag, and for text where that is wanted; names
+// are as written, prefix included. No external entity is ever read. Gives the parser's reason when the document isn't
+// well-formed or passes a limit; what came before was called back all the same. Throws Cancelled when a stop was asked
+// for.
 std::optional<std::string> parseXML(std::string_view document, const XMLLimits& limits,
     const std::function<void(std::string_view element, XMLAttributes attributes)>& onStart,
-    const std::function<void(std::string_view element)>& onEnd);
+    const std::function<void(std::string_view element)>& onEnd,
+    const std::function<void(std::string_view text)>& onText = {}, const std::stop_token& cancel = {});
 
 } // namespace Tamberlin
