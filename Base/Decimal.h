@@ -119,8 +119,8 @@ private:
     {
     }
 
-    // What the functions above leave over: different exponents or signs, long factors, and results that may need
-    // rounding.
+    // What the functions above leave over: different exponents or signs, long factors, and results that may
+    // need rounding.
     static Decimal alignedSum(const Decimal& left, const Decimal& right);
     static Decimal roundedProduct(const Decimal& left, const Decimal& right);
     static std::strong_ordering compare(const Decimal& left, const Decimal& right);
@@ -130,7 +130,8 @@ private:
     // exponent.
     UInt128 m_coefficient = 0;
     std::int16_t m_exponent = 0;
-    alignas(8) bool m_negative = false; // Apart from the exponent: loading both at once right after storing them stalls.
+    alignas(8) bool m_negative = false; // Apart from the exponent: loading both at once right after storing
+                                        // them stalls.
 };
 
 } // namespace Base

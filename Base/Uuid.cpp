@@ -27,7 +27,8 @@ constexpr auto hexValues = [] {
 }();
 
 // Where the two digits of each byte stand in "00112233-4455-6677-8899-AABBCCDDEEFF".
-constexpr std::array<std::uint8_t, 16> bytePlaces { 0, 2, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 28, 30, 32, 34 };
+constexpr std::array<std::uint8_t, 16> bytePlaces { 0, 2, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 28, 30, 32,
+    34 };
 constexpr std::array<std::uint8_t, 4> hyphenPlaces { 8, 13, 18, 23 };
 
 // Random numbers of the system, fetched many at a time, since asking costs far more than the numbers.
@@ -61,12 +62,14 @@ std::optional<Uuid> Uuid::parse(std::string_view text)
 {
     if (text.size() != textLength)
         return std::nullopt;
-    if (!std::all_of(hyphenPlaces.begin(), hyphenPlaces.end(), [&](auto place) { return text[place] == '-'; }))
+    if (!std::all_of(
+            hyphenPlaces.begin(), hyphenPlaces.end(), [&](auto place) { return text[place] == '-'; }))
         return std::nullopt;
     Uuid id;
     unsigned all = 0;
     for (std::size_t byte = 0; byte < bytePlaces.size(); ++byte) {
-        const auto value = [&](std::size_t place) { return hexValues[static_cast<unsigned char>(text[place])]; };
+        const auto value
+            = [&](std::size_t place) { return hexValues[static_cast<unsigned char>(text[place])]; };
         const unsigned upper = value(bytePlaces[byte]), lower = value(bytePlaces[byte] + std::size_t { 1 });
         all |= upper | lower;
         auto& half = byte < 8 ? id.high : id.low;

@@ -109,6 +109,7 @@ private:
 // Each file of verbs adds its own.
 void addAnalysisVerbs(CLI::App& app, Command& command);
 void addClientVerbs(CLI::App& app, Command& command);
+void addCountVerb(CLI::App& app, Command& command);
 void addCountingVerbs(CLI::App& app, Command& command);
 void addDemoVerb(CLI::App& app, Command& command);
 void addInvoiceVerbs(CLI::App& app, Command& command);

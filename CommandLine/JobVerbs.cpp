@@ -1,6 +1,7 @@
-#include "CommandLine/Command.h"
+#include "CommandLine/CountVerbs.h"
 #include "CommandLine/Table.h"
 
+#include "PallisandeKit/Analyses/FileCounting.h"
 #include "PallisandeKit/Ledger/Deadlines.h"
 #include "PallisandeKit/Ledger/Ledger.h"
 #include "PallisandeKit/Pricing/JobPricing.h"
@@ -251,6 +252,22 @@ void showDeadlines(Command& command)
     command.print(lanes, text.empty() ? "Nothing is due.\n" : text);
 }
 
+void countForJob(Command& command, const std::string& name, const CountArguments& arguments)
+{
+    auto session = command.writing();
+    const auto id = findJob(session.library(), name).id;
+    const auto batch = counted(arguments, session.library().counting.options);
+    tellFailures(batch);
+    if (batch.files.empty())
+        throw Refusal("None of the files could be counted, so nothing was attached.");
+    const auto analysis = FileCounting::analysis(batch, session.moment().now);
+    command.change(session, [&](Library& library) {
+        Ledger::attachAnalysis(library, id, analysis, session.moment().now);
+        return true;
+    });
+    command.print(analysis, countTable(batch));
+}
+
 } // namespace
 
 void addJobVerbs(CLI::App& app, Command& command)
@@ -287,6 +304,10 @@ void addJobVerbs(CLI::App& app, Command& command)
         ->required()
         ->check(CLI::IsMember(statuses));
     addNamed("price", "Work out its price", [&command, name] { priceJob(command, *name); });
+    const auto counting = std::make_shared<CountArguments>();
+    addCountOptions(*addNamed("count", "Count documents with the library’s switches and attach the count",
+                        [&command, name, counting] { countForJob(command, *name, *counting); }),
+        *counting);
     addNamed("quote", "Give it its quote number", [&command, name] { quoteJob(command, *name); });
 
     app.add_subcommand("deadlines", "What is due, and what waits for an invoice")->callback([&command] {

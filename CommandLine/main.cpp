@@ -38,6 +38,7 @@ int main(int argc, char** argv)
     app.require_subcommand(1);
     app.fallthrough();
     addProfileVerbs(app, command);
+    addCountVerb(app, command);
     addCountingVerbs(app, command);
     addAnalysisVerbs(app, command);
     addClientVerbs(app, command);

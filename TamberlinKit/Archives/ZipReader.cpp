@@ -7,13 +7,14 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <limits>
+#include <new>
 #include <optional>
 
 namespace Tamberlin::ZipReader {
 
 namespace {
 
-constexpr std::uint32_t endSignature = 0x06054B50;
 constexpr std::uint32_t locator64Signature = 0x07064B50;
 constexpr std::uint32_t end64Signature = 0x06064B50;
 constexpr std::uint32_t centralSignature = 0x02014B50;
@@ -72,12 +73,12 @@ struct Directory {
 
 std::size_t endRecord(std::string_view archive)
 {
-    constexpr std::string_view signature = "PK\x05\x06";
+    constexpr std::string_view endSignature = "PK\x05\x06";
     const auto tail = archive.size() - std::min(archive.size(), longestTail);
-    const auto found = archive.rfind(signature);
-    if (found == archive.npos || found < tail || archive.size() - found < endSize)
+    const auto found = archive.substr(tail).rfind(endSignature);
+    if (found == archive.npos || archive.size() - tail - found < endSize)
         throw Failure("It isn’t a zip archive.");
-    return found;
+    return tail + found;
 }
 
 // The values of the ZIP64 record, where there is one.
@@ -167,8 +168,8 @@ std::string_view storedBytes(const Entry& entry, const Cursor& archive)
     if (!header || !header->begins(localSignature))
         failDamaged(entry);
     // The lengths of this header count; those of the directory can be others.
-    const auto skipped = std::uint64_t { localSize } + header->number<std::uint16_t>(26)
-        + header->number<std::uint16_t>(28);
+    const auto skipped
+        = std::uint64_t { localSize } + header->number<std::uint16_t>(26) + header->number<std::uint16_t>(28);
     const auto rest = archive.at(entry.headerOffset, archive.size() - entry.headerOffset);
     const auto data = rest->at(skipped, entry.compressedSize);
     if (entry.size > largestEntry || !data)
@@ -176,7 +177,8 @@ std::string_view storedBytes(const Entry& entry, const Cursor& archive)
     return data->bytes();
 }
 
-// A stream that goes on after `size` bytes, which libdeflate refuses: what it begins with decides.
+// What the stream gives before it goes on for too long or is damaged, of which libdeflate gives nothing: the
+// checksum decides.
 std::size_t inflateBeginning(std::string_view packed, char* into, std::size_t size)
 {
     z_stream stream {};
@@ -207,9 +209,9 @@ std::size_t inflated(std::string_view packed, char* into, std::size_t size)
     std::size_t made = 0;
     const auto result
         = libdeflate_deflate_decompress(decompressor.get(), packed.data(), packed.size(), into, size, &made);
-    if (result == LIBDEFLATE_INSUFFICIENT_SPACE && packed.size() <= std::numeric_limits<uInt>::max())
-        return inflateBeginning(packed, into, size);
-    return result == LIBDEFLATE_SUCCESS ? made : 0;
+    if (result == LIBDEFLATE_SUCCESS)
+        return made;
+    return packed.size() <= std::numeric_limits<uInt>::max() ? inflateBeginning(packed, into, size) : 0;
 }
 
 Bytes inflatedEntry(const Entry& entry, std::string_view packed)
@@ -226,8 +228,10 @@ Bytes inflatedEntry(const Entry& entry, std::string_view packed)
     return bytes;
 }
 
-Bytes copied(std::string_view stored)
+Bytes storedEntry(const Entry& entry, std::string_view stored)
 {
+    if (stored.size() != entry.size) // Only now is it known to be no more than an entry may have.
+        failUnchecked(entry);
     Bytes bytes { std::unique_ptr<char[]>(new char[stored.size()]), stored.size() };
     std::copy(stored.begin(), stored.end(), bytes.data.get());
     return bytes;
@@ -241,8 +245,8 @@ std::vector<Entry> entries(std::string_view archive)
     const auto directory = findDirectory(bytes);
     std::vector<Entry> entries;
     // What is stated may be absurd; what is left bounds it.
-    entries.reserve(
-        static_cast<std::size_t>(std::min<std::uint64_t>(directory.count, archive.size() / centralSize)));
+    entries.reserve(static_cast<std::size_t>(
+        std::min<std::uint64_t>(directory.count, (archive.size() - directory.offset) / centralSize)));
     auto at = directory.offset;
     for (std::uint64_t number = 0; number < directory.count; ++number) {
         const auto header = bytes.at(at, centralSize);
@@ -276,9 +280,9 @@ Bytes read(const Entry& entry, std::string_view archive)
     constexpr std::uint16_t stored = 0, deflated = 8;
     const auto packed = storedBytes(entry, Cursor(archive));
     if (entry.method != stored && entry.method != deflated)
-        throw Failure(fmt::format(
-            "“{}” uses a kind of compression that can’t be read.", Base::validUtf8(entry.path)));
-    auto bytes = entry.method == stored ? copied(packed) : inflatedEntry(entry, packed);
+        throw Failure(
+            fmt::format("“{}” uses a kind of compression that can’t be read.", Base::validUtf8(entry.path)));
+    auto bytes = entry.method == stored ? storedEntry(entry, packed) : inflatedEntry(entry, packed);
     if (bytes.size != entry.size || libdeflate_crc32(0, bytes.data.get(), bytes.size) != entry.crc32)
         failUnchecked(entry);
     return bytes;

@@ -18,8 +18,9 @@ struct Bytes {
     std::string_view view() const { return { data.get(), size }; }
 };
 
-// Reads ZIP archives held in memory (PKWARE's application note 6.3.9, with ZIP64 records; methods stored and deflate).
-// Nothing that an archive states about sizes or counts is believed before it is compared with what is there.
+// Reads ZIP archives held in memory (PKWARE's application note 6.3.9, with ZIP64 records; methods stored and
+// deflate). Nothing that an archive states about sizes or counts is believed before it is compared with what
+// is there.
 namespace ZipReader {
 
 struct Entry {

@@ -10,7 +10,8 @@ namespace Tamberlin {
 
 namespace {
 
-// A target as it is written, as a path from the root of the package; `folder` is that of the part that refers to it.
+// A target as it is written, as a path from the root of the package; `folder` is that of the part that refers
+// to it.
 std::string resolved(std::string_view folder, std::string_view target)
 {
     if (target.starts_with('/'))
@@ -34,8 +35,7 @@ std::string resolved(std::string_view folder, std::string_view target)
 
 } // namespace
 
-Package::Package(
-    std::string_view archive, std::string name, std::string_view kind, std::stop_token cancel)
+Package::Package(std::string_view archive, std::string name, std::string_view kind, std::stop_token cancel)
     : m_archive(archive)
     , m_name(std::move(name))
     , m_cancel(std::move(cancel))
@@ -43,8 +43,8 @@ Package::Package(
     try {
         m_entries = ZipReader::entries(archive);
     } catch (const ZipReader::Failure&) {
-        throw ReadError(fmt::format(
-            "“{}” isn’t a {} file that can be read (it isn’t a zip package).", m_name, kind));
+        throw ReadError(
+            fmt::format("“{}” isn’t a {} file that can be read (it isn’t a zip package).", m_name, kind));
     }
     for (std::size_t place = 0; place < m_entries.size(); ++place)
         m_places.emplace(m_entries[place].path, place);
@@ -58,8 +58,9 @@ std::optional<Bytes> Package::data(std::string_view path) const
     if (found == m_places.end())
         return std::nullopt;
     const auto& entry = m_entries[found->second];
-    // One small stream can be the data of any number of large entries.
-    if (entry.size <= ZipReader::largestEntry && (m_unpacked += entry.size) > largestDocument)
+    // One small stream can be the data of any number of large entries, and a large one that of small entries.
+    const auto work = std::max(entry.size, std::min<std::uint64_t>(entry.compressedSize, m_archive.size()));
+    if (entry.size <= ZipReader::largestEntry && (m_unpacked += work) > largestDocument)
         throw ReadError(fmt::format("“{}” unpacks to more than 2 GB, which no document needs.", m_name));
     return ZipReader::read(entry, m_archive);
 }
@@ -100,8 +101,8 @@ std::vector<Package::Relationship> Package::allRelationships(std::string_view pa
             return;
         const auto id = attributes.find("Id"), target = attributes.find("Target");
         if (id && target)
-            relationships.push_back({ std::string(*id), std::string(attributes.valueOr("Type", "")),
-                resolved(folder, *target) });
+            relationships.push_back(
+                { std::string(*id), std::string(attributes.valueOr("Type", "")), resolved(folder, *target) });
     } };
     // A damaged list gives what came before the damage.
     static_cast<void>(

@@ -2,6 +2,7 @@
 
 #include "TamberlinKit/Text/ReadError.h"
 
+#define XML_DTD // Else the header hides the limit of expansion that the library has.
 #include <expat.h>
 
 #include <algorithm>
@@ -13,8 +14,9 @@ namespace Tamberlin {
 
 namespace {
 
-constexpr std::size_t pieceBytes
-    = 64 * 1024; // Expat takes a length in an int, and stopping is checked between pieces.
+constexpr std::size_t pieceBytes = 64 * 1024; // Stopping is checked between pieces.
+constexpr std::size_t longestPiece = 16 * 1024 * 1024; // A tag or comment can be twice as long.
+constexpr float mostExpansion = 2; // Of a document over 8 MB by its entities, which office files don't have.
 
 struct Parse {
     XML_Parser parser;
@@ -24,6 +26,8 @@ struct Parse {
     const std::function<void(std::string_view)>& onText;
     std::size_t depth = 0;
     std::size_t elements = 0;
+    bool isSilent = false; // Nothing was called back since the piece began.
+    bool isInDoctype = false;
     std::string refusal;
     std::exception_ptr thrown; // Exceptions don't travel through the parser's frames.
 
@@ -50,6 +54,7 @@ struct Parse {
 void startElement(void* data, const XML_Char* name, const XML_Char** attributes)
 {
     auto& parse = *static_cast<Parse*>(data);
+    parse.isSilent = false;
     if (parse.isStopped())
         return;
     if (++parse.depth > parse.limits.deepest)
@@ -62,6 +67,7 @@ void startElement(void* data, const XML_Char* name, const XML_Char** attributes)
 void endElement(void* data, const XML_Char* name)
 {
     auto& parse = *static_cast<Parse*>(data);
+    parse.isSilent = false;
     if (parse.isStopped())
         return;
     --parse.depth;
@@ -71,9 +77,17 @@ void endElement(void* data, const XML_Char* name)
 void text(void* data, const XML_Char* characters, int length)
 {
     auto& parse = *static_cast<Parse*>(data);
-    if (!parse.isStopped())
+    parse.isSilent = false;
+    if (!parse.isStopped() && parse.onText)
         parse.guarded([&] { parse.onText({ characters, static_cast<std::size_t>(length) }); });
 }
+
+void startDoctype(void* data, const XML_Char*, const XML_Char*, const XML_Char*, int)
+{
+    static_cast<Parse*>(data)->isInDoctype = true;
+}
+
+void endDoctype(void* data) { static_cast<Parse*>(data)->isInDoctype = false; }
 
 } // namespace
 
@@ -86,19 +100,31 @@ std::optional<std::string> parseXML(std::string_view document, const XMLLimits& 
         XML_ParserCreate(nullptr), &XML_ParserFree);
     if (!parser)
         throw std::bad_alloc();
-    Parse parse { parser.get(), limits, onStart, onEnd, onText, 0, 0, {}, nullptr };
+    Parse parse {
+        .parser = parser.get(), .limits = limits, .onStart = onStart, .onEnd = onEnd, .onText = onText
+    };
     XML_SetUserData(parser.get(), &parse);
     XML_SetElementHandler(parser.get(), &startElement, &endElement);
-    if (onText)
-        XML_SetCharacterDataHandler(parser.get(), &text);
+    XML_SetCharacterDataHandler(parser.get(), &text);
+    XML_SetDoctypeDeclHandler(parser.get(), &startDoctype, &endDoctype);
+    XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser.get(), mostExpansion);
 
     auto status = XML_STATUS_OK;
+    auto length = pieceBytes;
     do {
         if (cancel.stop_requested())
             throw Cancelled();
-        const auto piece = document.substr(0, std::min(document.size(), pieceBytes));
+        // Declarations cost the parser quadratic time, and entities inside entities its stack.
+        if (parse.isInDoctype)
+            return "the document type is too long";
+        if (length > longestPiece)
+            return "a tag or comment is too long";
+        const auto piece = document.substr(0, length);
         document.remove_prefix(piece.size());
+        parse.isSilent = true;
         status = XML_Parse(parser.get(), piece.data(), static_cast<int>(piece.size()), document.empty());
+        // A tag that isn't complete is gone through again with each piece.
+        length = parse.isSilent ? 2 * length : pieceBytes;
     } while (status == XML_STATUS_OK && !document.empty());
 
     if (parse.thrown)

@@ -46,10 +46,10 @@ struct XMLLimits {
     std::size_t elements = 50'000'000;
 };
 
-// Goes through an XML 1.0 document and calls back for each start and end tag, and for text where that is wanted; names
-// are as written, prefix included. No external entity is ever read. Gives the parser's reason when the document isn't
-// well-formed or passes a limit; what came before was called back all the same. Throws Cancelled when a stop was asked
-// for.
+// Goes through an XML 1.0 document and calls back for each start and end tag, and for text where that is
+// wanted; names are as written, prefix included. No external entity is ever read. Gives the parser's reason
+// when the document isn't well-formed or passes a limit; what came before was called back all the same.
+// Throws Cancelled when a stop was asked for.
 std::optional<std::string> parseXML(std::string_view document, const XMLLimits& limits,
     const std::function<void(std::string_view element, XMLAttributes attributes)>& onStart,
     const std::function<void(std::string_view element)>& onEnd,

@@ -10,8 +10,8 @@
 
 namespace Tamberlin {
 
-// Goes through one XML part of a document and calls back for elements and text. Elements are named without their prefix:
-// "w:p" is "p". External entities are never read.
+// Goes through one XML part of a document and calls back for elements and text. Elements are named without
+// their prefix: "w:p" is "p". External entities are never read.
 struct XMLScan {
     class Attributes {
     public:
@@ -33,10 +33,11 @@ struct XMLScan {
 
     std::function<void(std::string_view element, const Attributes& attributes)> onStart;
     std::function<void(std::string_view element)> onEnd;
-    std::function<void(std::string_view text)> onText; // Text comes in any number of pieces, CDATA sections too.
+    std::function<void(std::string_view text)>
+        onText; // Text comes in any number of pieces, CDATA sections too.
 
-    // Gives the parser's reason when the part isn't well-formed; what came before was called back all the same. Throws
-    // Cancelled when a stop was asked for.
+    // Gives the parser's reason when the part isn't well-formed; what came before was called back all the
+    // same. Throws Cancelled when a stop was asked for.
     std::optional<std::string> parse(std::string_view part, const std::stop_token& cancel) const;
 };
 

@@ -23,7 +23,8 @@ inline std::string zipOf(const std::vector<std::pair<std::string, std::string>>&
         put(bytes, 20, 2);
         put(bytes, utf8Flag, 2);
         put(bytes, 0, 2 + 4); // Stored, at no time.
-        put(bytes, crc32(0, reinterpret_cast<const Bytef*>(content.data()), static_cast<uInt>(content.size())), 4);
+        put(bytes,
+            crc32(0, reinterpret_cast<const Bytef*>(content.data()), static_cast<uInt>(content.size())), 4);
         put(bytes, content.size(), 4);
         put(bytes, content.size(), 4);
         put(bytes, path.size(), 2);

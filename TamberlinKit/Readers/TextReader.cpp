@@ -1,0 +1,110 @@
+#include "Base/Text.h"
+#include "TamberlinKit/Readers/Markdown.h"
+#include "TamberlinKit/Readers/PlainText.h"
+#include "TamberlinKit/Readers/Readers.h"
+#include "TamberlinKit/Text/TextDecoder.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Tamberlin {
+
+namespace {
+
+constexpr std::size_t betweenChecks = 65'536;
+// Columns. Narrower paragraphs are lists of short lines, wider ones are lines as long as their text.
+constexpr std::size_t narrowest = 50, widest = 120, longestWord = 30;
+
+std::size_t width(std::string_view text)
+{
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+std::string_view joined(std::string_view first, std::string_view last)
+{
+    return { first.data(), static_cast<std::size_t>(last.data() + last.size() - first.data()) };
+}
+
+bool isMarkdown(std::string_view name)
+{
+    const auto lower = Base::asciiLowered(name);
+    return lower.ends_with(".md") || lower.ends_with(".markdown");
+}
+
+} // namespace
+
+bool Lines::next(std::string_view& line)
+{
+    if (m_at >= m_text.size())
+        return false;
+    if (m_feed <= m_at)
+        m_feed = std::min(m_text.find('\n', m_at), m_text.size());
+    const auto end = std::min(m_text.substr(0, m_feed).find('\r', m_at), m_feed);
+    line = m_text.substr(m_at, end - m_at);
+    m_at = end + (m_text.substr(end).starts_with("\r\n") ? 2 : 1);
+    return true;
+}
+
+std::string_view withoutBlanks(std::string_view text)
+{
+    constexpr std::string_view blanks = " \t\f\v";
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
+
+bool isBlank(std::string_view line) { return withoutBlanks(line).empty(); }
+
+void addParagraph(std::vector<Segment>& segments, const std::vector<std::string_view>& lines)
+{
+    const auto add = [&](std::string_view text) {
+        if (!Base::trimmedOfMarks(text).empty())
+            segments.push_back({ .text = std::string(text) });
+    };
+    std::size_t whole = 0;
+    for (const auto line : lines)
+        whole = std::max(whole, width(line));
+    const bool mayBeWrapped = whole >= narrowest && whole <= widest;
+    for (std::size_t first = 0, last = 0; first < lines.size(); first = ++last) {
+        while (mayBeWrapped && last + 1 < lines.size()) {
+            const auto next = withoutBlanks(lines[last + 1]);
+            const auto word = width(next.substr(0, next.find(' ')));
+            if (word > longestWord || width(lines[last]) + 1 + word <= whole)
+                break;
+            ++last;
+        }
+        add(joined(lines[first], lines[last]));
+    }
+}
+
+Extracted readText(std::string_view file, std::string name, const std::stop_token& cancel)
+{
+    const auto decoded = decodeText(file);
+    Extracted extracted { .name = std::move(name), .format = FileFormat::txt };
+    if (isMarkdown(extracted.name)) {
+        readMarkdown(decoded.text(), extracted.segments, cancel);
+    } else {
+        Lines lines(decoded.text());
+        std::vector<std::string_view> paragraph;
+        std::size_t nextCheck = 0;
+        for (std::string_view line; lines.next(line);) {
+            if (lines.position() >= nextCheck) {
+                if (cancel.stop_requested())
+                    throw Cancelled();
+                nextCheck = lines.position() + betweenChecks;
+            }
+            if (!isBlank(line)) {
+                paragraph.push_back(line);
+                continue;
+            }
+            addParagraph(extracted.segments, paragraph);
+            paragraph.clear();
+        }
+        addParagraph(extracted.segments, paragraph);
+    }
+    if (const auto note = decoded.note())
+        extracted.notes.push_back(*note);
+    return extracted;
+}
+
+} // namespace Tamberlin
