@@ -3,7 +3,8 @@
 
 using Base::Decimal;
 
-// Two numbers on two lines: what is read is written back, and arithmetic keeps its laws wherever nothing is rounded.
+// Two numbers on two lines: what is read is written back, and arithmetic keeps its laws wherever nothing is
+// rounded.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size)
 {
     const auto text = textOf(data, size);

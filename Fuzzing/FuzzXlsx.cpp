@@ -1,0 +1,8 @@
+#include "Fuzzing/Parts.h"
+#include "Fuzzing/Reading.h"
+
+// A workbook, or its parts as text.
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size)
+{
+    return readAny(&Tamberlin::readXlsx, archiveOfParts(textOf(data, size)));
+}
