@@ -7,11 +7,10 @@ namespace Tamberlin {
 
 namespace {
 
-constexpr int longestChain = 100; // Styles based on one another.
-
 struct Style {
     std::string basedOn;
     std::optional<bool> isHidden;
+    bool isAsked = false;
 };
 
 } // namespace
@@ -45,15 +44,23 @@ std::optional<std::string> DocxStyles::read(const Package& package, std::string_
     };
     auto damage = package.scan(path, scan);
 
-    for (const auto& [id, own] : styles) {
-        const auto* said = &own;
-        for (int length = 0; !said->isHidden && length < longestChain; ++length) {
+    // What a style doesn't say is what the one says that it is based on. Each is asked once, even where they
+    // go in rings.
+    for (auto& [id, own] : styles) {
+        std::vector<Style*> chain;
+        auto* said = &own;
+        while (!said->isHidden && !said->isAsked) {
+            said->isAsked = true;
+            chain.push_back(said);
             const auto base = styles.find(said->basedOn);
             if (base == styles.end())
                 break;
             said = &base->second;
         }
-        if (said->isHidden.value_or(false))
+        const bool isHidden = said->isHidden.value_or(false);
+        for (auto* const asker : chain)
+            asker->isHidden = isHidden;
+        if (own.isHidden.value_or(false))
             m_hidden.insert(id);
     }
     return damage;

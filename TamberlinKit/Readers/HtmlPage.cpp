@@ -193,27 +193,27 @@ void HtmlPage::readAttributes(const HtmlTokenizer& tag, const HtmlElement& eleme
     }
     if (inside.isLeftOut)
         return;
-    if (const auto tip = find(attributes, "title"))
-        addApart(*tip, true);
-    const std::string_view name = tag.name();
-    if (!element.is(HtmlElement::hasTexts))
-        return;
+    const std::string_view name = element.name;
     const auto type = name == "input" ? find(attributes, "type") : std::nullopt;
     if (type && equalsLower(*type, "hidden"))
         return;
-    if (const auto alternative = find(attributes, "alt"))
-        addApart(*alternative, true);
-    if (name == "optgroup" || name == "option" || name == "track") {
-        if (const auto label = find(attributes, "label"))
-            addApart(*label, inside.isHidden);
-    } else if (name == "input" || name == "textarea") {
-        if (const auto placeholder = find(attributes, "placeholder"))
-            addApart(*placeholder, inside.isHidden);
-        // A value that the visitor can change is data, the one on a button is text.
-        if (const auto value = find(attributes, "value");
-            value && type && isOneOf(*type, { "submit", "button", "reset" }))
-            addApart(*value, inside.isHidden);
-    }
+    const auto add = [&](std::string_view attribute, bool isHidden) {
+        if (const auto value = find(attributes, attribute))
+            addApart(*value, isHidden);
+    };
+    const bool hasTexts = element.is(HtmlElement::hasTexts);
+    if (hasTexts)
+        add("alt", true);
+    add("title", true);
+    if (!hasTexts)
+        return;
+    if (name == "optgroup" || name == "option" || name == "track")
+        add("label", inside.isHidden);
+    if (name == "input" || name == "textarea")
+        add("placeholder", inside.isHidden);
+    // A value that the visitor can change is data, the one on a button is text.
+    if (type && isOneOf(*type, { "submit", "button", "reset" }))
+        add("value", inside.isHidden);
 }
 
 void HtmlPage::addApart(std::string_view attribute, bool isHidden)

@@ -187,7 +187,7 @@ void BlockReader::block(std::string_view content, std::size_t indent)
     if (isTableRule(content) && m_paragraph.find('|') != m_paragraph.npos) {
         const auto header = m_paragraph.rfind('\n') + 1; // The line above; 0 if there is only one.
         const auto row = m_paragraph.substr(header);
-        m_paragraph.erase(header);
+        m_paragraph.erase(header == 0 ? 0 : header - 1);
         endParagraph();
         m_isInTable = true;
         return tableRow(row);

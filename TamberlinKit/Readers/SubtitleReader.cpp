@@ -187,7 +187,7 @@ void Subtitles::timing()
     if (!m_isVtt && !m_lines.empty()) {
         const auto found = number(m_lines.back());
         const bool standsAlone = m_lines.size() == 1 || isBlank(m_lines[m_lines.size() - 2]);
-        if (found && (standsAlone || follows(*found, m_lastNumber))) {
+        if (found && (!m_isInCue || standsAlone || follows(*found, m_lastNumber))) {
             m_lastNumber = *found;
             m_lines.pop_back();
         }

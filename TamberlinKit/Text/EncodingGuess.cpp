@@ -167,7 +167,7 @@ std::string_view preferred(std::string_view name, std::string_view sample)
 
 std::string_view guessingSample(std::string_view bytes, const Utf8Check& utf8)
 {
-    constexpr std::size_t before = 256;
+    constexpr std::size_t before = 32; // A word or a few; more would speak for a language in plain ASCII.
     return bytes.substr(utf8.firstHigh > before ? utf8.firstHigh - before : 0, sampleSize);
 }
 

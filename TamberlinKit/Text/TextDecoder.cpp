@@ -114,9 +114,13 @@ std::string knownEncoding(std::string_view hint)
     if (hint.empty() || !converter)
         return {};
     UErrorCode status = U_ZERO_ERROR;
-    const char* const internal = ucnv_getName(converter.get(), &status);
-    const char* const name = ucnv_getStandardName(internal, "MIME", &status);
-    const std::string encoding(larger(U_SUCCESS(status) && name ? name : internal));
+    const std::string internal = ucnv_getName(converter.get(), &status);
+    const auto named = [&](const char* standard) {
+        UErrorCode none = U_ZERO_ERROR; // It has no name there, then.
+        return ucnv_getStandardName(internal.c_str(), standard, &none);
+    };
+    const char *const mime = named("MIME"), *const iana = named("IANA");
+    const std::string encoding(larger(mime ? mime : iana ? iana : internal));
     constexpr std::string_view ascii = "<meta charset=\"~\\\">\r\n\t 0123456789 AZaz {|}";
     return decoded(ascii, encoding).text == ascii ? encoding : "";
 }

@@ -37,7 +37,8 @@ constexpr std::string_view korean = "모든 인간은 태어날 때부터 자유
 
 TEST(TextDecoder, unicodeIsKnownByItsMarkOrByItsZeroBytes)
 {
-    for (const auto text : { french, russian, japanese, std::string_view("Alpha\r\nbeta 😀") }) {
+    for (const auto& text :
+        { std::string(french), std::string(russian), std::string(japanese) + "\n1 2", "Alpha\r\nbeta 😀"s }) {
         SCOPED_TRACE(text);
         const struct {
             const char* encoding;
@@ -50,14 +51,10 @@ TEST(TextDecoder, unicodeIsKnownByItsMarkOrByItsZeroBytes)
             { "UTF-32BE", "\0\0\xFE\xFF"s },
         };
         for (const auto& [encoding, mark] : cases) {
-            for (const auto& bytes :
-                { mark + encoded(text, encoding), encoded(std::string(text) + "\n", encoding) }) {
-                const auto decoded
-                    = decodeText(bytes, "windows-1252"); // A mark is worth more than what is said.
-                if (text == japanese && bytes[0] != mark[0] && encoding == "UTF-16BE"s)
-                    continue; // One line feed is too little to go by in so short a text.
+            const auto plain = encoded(text, encoding), marked = mark + plain;
+            for (const auto& decoded : { decodeText(plain), decodeText(marked, "windows-1252") }) {
+                EXPECT_EQ(decoded.text(), text) << encoding;
                 EXPECT_EQ(decoded.encoding, encoding);
-                EXPECT_EQ(decoded.text().substr(0, text.size()), text);
                 EXPECT_FALSE(decoded.isGuessed);
                 EXPECT_EQ(decoded.note(), std::nullopt);
             }
