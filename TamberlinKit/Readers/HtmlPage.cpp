@@ -144,7 +144,11 @@ void HtmlPage::start(const HtmlTokenizer& tag, HtmlTokenizer::Dialect dialect)
     inside.isApart = inside.isApart || element.is(HtmlElement::apart);
     inside.keepsBlanks = inside.keepsBlanks || element.is(HtmlElement::keepsBlanks);
     inside.isForeign = inside.isForeign || element.is(HtmlElement::foreign);
-    inside.isSvg = inside.isForeign && (inside.isSvg || element.name == "svg");
+    // Nothing in what is left out altogether is drawn.
+    if (element.name == "svg")
+        inside.isSvg = inside.isSvg || !m_now.isLeftOut;
+    else if (!inside.isForeign || element.is(HtmlElement::leftOut))
+        inside.isSvg = false;
     if (!tag.attributes().empty())
         readAttributes(tag, element, inside);
 
@@ -173,6 +177,7 @@ void HtmlPage::startForeign(const HtmlTokenizer& tag, HtmlState& inside) const
     const std::string_view name = tag.name();
     if (name == "annotation" || name == "annotation-xml" || name == "metadata" || name == "desc") {
         inside.isLeftOut = true;
+        inside.isSvg = false;
     } else if (m_now.isSvg && (name == "text" || name == "title" || name == "foreignobject")) {
         inside.isLeftOut = false;
         inside.isApart = true;

@@ -84,9 +84,9 @@ std::string_view wideEncoding(std::string_view bytes, const Utf8Check& utf8)
     // Every other byte of Latin text is zero; of other text only some are, but then it is no UTF-8 either.
     const auto enough
         = utf8.invalid == 0 ? std::max<std::size_t>(2, groups / 4) : std::max<std::size_t>(1, groups / 250);
-    if (odd >= enough && odd > 8 * even)
+    if (odd >= enough && odd > 4 * even)
         return "UTF-16LE";
-    if (even >= enough && even > 8 * odd)
+    if (even >= enough && even > 4 * odd)
         return "UTF-16BE";
     return {};
 }

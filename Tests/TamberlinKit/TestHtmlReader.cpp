@@ -87,6 +87,7 @@ TEST(Html, blocksAreSegmentsAndInlineElementsDoNotSplitWords)
         { "<p>a<svg><title>t</title><desc>d</desc>x<g><text>b</text><text>c</text></g></svg>e",
             "[a e] hidden[t] [b] [c]" },
         { "<svg><g><p>a</p>b", "[a] [b]" },
+        { "<template><svg><text>a</text></svg></template><svg><desc><text>b</text></desc></svg>c", "[c]" },
         { "<math><mi>x</mi><mo>=</mo><mn>2</mn><annotation>tex</annotation></math> a", "[x=2 a]" },
     };
     for (const auto& [page, segments] : cases)

@@ -28,7 +28,7 @@ constexpr std::string_view french
 constexpr std::string_view russian = "Все люди рождаются свободными и равными в своем достоинстве и правах. "
                                      "Они наделены разумом и совестью.";
 constexpr std::string_view japanese
-    = "すべての人間は、生まれながらにして自由であり、かつ、尊厳と権利とについて平等である。";
+    = "すべての人間は、生まれながらにして自由であり、かつ、尊厳と権利とについて平等である。\n第1条";
 constexpr std::string_view chinese
     = "人人生而自由,在尊严和权利上一律平等。他们赋有理性和良心,并应以兄弟关系的精神相对待。";
 constexpr std::string_view taiwanese
@@ -37,8 +37,7 @@ constexpr std::string_view korean = "모든 인간은 태어날 때부터 자유
 
 TEST(TextDecoder, unicodeIsKnownByItsMarkOrByItsZeroBytes)
 {
-    for (const auto& text :
-        { std::string(french), std::string(russian), std::string(japanese) + "\n1 2", "Alpha\r\nbeta 😀"s }) {
+    for (const auto text : { french, russian, japanese, std::string_view("漢字\r\nbeta 😀") }) {
         SCOPED_TRACE(text);
         const struct {
             const char* encoding;
