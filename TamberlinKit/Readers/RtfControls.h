@@ -5,7 +5,7 @@
 
 namespace Tamberlin {
 
-// What a control word of RTF (specification 1.9.1) means for the text.
+// What a control word of RTF 1.9.1 means for the text.
 struct RtfControl {
     enum class Action : std::uint8_t {
         none,
