@@ -1,7 +1,5 @@
 #include "Base/ChildProcess.h"
 
-#include "Base/Descriptor.h"
-
 #include <algorithm>
 #include <array>
 #include <climits>
@@ -10,6 +8,7 @@
 #include <optional>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/eventfd.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -43,6 +42,11 @@ Descriptor inputFile(std::string_view input)
     }
     checked([&] { return ::lseek(file.number(), 0, SEEK_SET); });
     return aboveStandard(std::move(file));
+}
+
+Descriptor inputFile(const Descriptor& input)
+{
+    return Descriptor(checked([&] { return ::fcntl(input.number(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1); }));
 }
 
 // What the child writes to one of its descriptors.
@@ -187,6 +191,27 @@ Descriptor openProcess(pid_t process)
     return Descriptor(static_cast<int>(checked([&] { return ::syscall(SYS_pidfd_open, process, 0); })));
 }
 
+// A descriptor that becomes readable when a stop is asked for.
+class StopDescriptor {
+public:
+    explicit StopDescriptor(const std::stop_token& stop)
+        : m_descriptor(checked([] { return ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK); }))
+        , m_callback(stop, Signal { m_descriptor.number() })
+    {
+    }
+
+    int number() const { return m_descriptor.number(); }
+
+private:
+    struct Signal {
+        int descriptor;
+        void operator()() const { ::eventfd_write(descriptor, 1); }
+    };
+
+    Descriptor m_descriptor;
+    std::stop_callback<Signal> m_callback;
+};
+
 int millisecondsUntil(Clock::time_point deadline)
 {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
@@ -195,14 +220,18 @@ int millisecondsUntil(Clock::time_point deadline)
 
 // Gathers what the child writes until it has ended or goes too far. The child's own end is waited for, not
 // that of the pipes, which a process that it left behind could hold open.
-ChildResult::End watch(
-    const Child& child, int processDescriptor, Output& output, Output& errors, Clock::time_point deadline)
+ChildResult::End watch(const Child& child, int processDescriptor, Output& output, Output& errors,
+    Clock::time_point deadline, const std::stop_token& cancel)
 {
+    const StopDescriptor stop(cancel);
     bool hasEnded = false;
     for (;;) {
-        std::array<pollfd, 3> ready { pollfd { output.descriptor(), POLLIN, 0 },
-            pollfd { errors.descriptor(), POLLIN, 0 }, pollfd { processDescriptor, POLLIN, 0 } };
+        std::array<pollfd, 4> ready { pollfd { output.descriptor(), POLLIN, 0 },
+            pollfd { errors.descriptor(), POLLIN, 0 }, pollfd { processDescriptor, POLLIN, 0 },
+            pollfd { stop.number(), POLLIN, 0 } };
         checked([&] { return ::poll(ready.data(), ready.size(), millisecondsUntil(deadline)); });
+        if (cancel.stop_requested())
+            return ChildResult::End::cancelled;
         if (!hasEnded && ready[2].revents != 0) {
             hasEnded = true;
             child.kill();
@@ -218,8 +247,10 @@ ChildResult::End watch(
     }
 }
 
+// `input` is opened here, so that memory that stands for a file is let go as soon as the child has it.
+template <typename Input>
 ChildResult run(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-    std::string_view input, const ChildLimits& limits)
+    const Input& input, const ChildLimits& limits)
 {
     const auto deadline = Clock::now() + limits.time;
     Output output(limits.outputBytes), errors(keptErrors);
@@ -232,7 +263,7 @@ ChildResult run(const std::filesystem::path& program, const std::vector<std::str
     const Descriptor process(openProcess(child.number()));
 
     ChildResult result;
-    result.end = watch(child, process.number(), output, errors, deadline);
+    result.end = watch(child, process.number(), output, errors, deadline, limits.cancel);
     const auto status = child.end();
     result.output = output.take();
     result.errors = errors.take();
@@ -246,16 +277,29 @@ ChildResult run(const std::filesystem::path& program, const std::vector<std::str
     return result;
 }
 
-} // namespace
-
-ChildResult runChild(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-    std::string_view input, const ChildLimits& limits)
+template <typename Input>
+ChildResult runWith(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+    const Input& input, const ChildLimits& limits)
 {
     try {
         return run(program, arguments, input, limits);
     } catch (const std::system_error& error) {
         return { .end = ChildResult::End::couldNotStart, .code = error.code().value() };
     }
+}
+
+} // namespace
+
+ChildResult runChild(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+    std::string_view input, const ChildLimits& limits)
+{
+    return runWith(program, arguments, input, limits);
+}
+
+ChildResult runChild(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+    const Descriptor& input, const ChildLimits& limits)
+{
+    return runWith(program, arguments, input, limits);
 }
 
 std::filesystem::path programFolder()

@@ -137,7 +137,7 @@ bool belongsToKernel(int descriptor)
 
 // The size was true a moment ago; the file may have grown or shrunk since, so what counts is where reading
 // ends.
-FileContents readWhole(const OpenFile& file, std::int64_t limit)
+template <typename Bytes> Bytes readWhole(const OpenFile& file, std::int64_t limit)
 {
     const int descriptor = file.descriptor.number();
     if (belongsToKernel(descriptor))
@@ -145,7 +145,8 @@ FileContents readWhole(const OpenFile& file, std::int64_t limit)
     if (file.status.st_size > limit)
         throwSystemError(EFBIG);
     const auto most = static_cast<std::size_t>(std::max(limit, std::int64_t { 0 }));
-    std::string bytes(static_cast<std::size_t>(file.status.st_size) + 1, '\0'); // One more, to see the end.
+    Bytes bytes;
+    bytes.resize(static_cast<std::size_t>(file.status.st_size) + 1); // One more, to see the end.
     for (std::size_t filled = 0;;) {
         if (filled == bytes.size())
             bytes.resize(filled + filled / 2 + 4096);
@@ -156,9 +157,14 @@ FileContents readWhole(const OpenFile& file, std::int64_t limit)
             throwSystemError(EFBIG);
         if (count == 0) {
             bytes.resize(filled);
-            return { std::move(bytes), identityOf(file.status) };
+            return bytes;
         }
     }
+}
+
+FileContents readContents(const OpenFile& file, std::int64_t limit)
+{
+    return { readWhole<std::string>(file, limit), identityOf(file.status) };
 }
 
 void writeWhole(int descriptor, std::string_view bytes)
@@ -345,12 +351,27 @@ Outcome writeInPlace(const Place& place, std::string_view bytes)
 FileContents readFile(const Folder& folder, const std::string& name, std::int64_t limit)
 {
     requireInside(name);
-    return readWhole(openRegular(folder.descriptor(), name.c_str(), O_RDONLY), limit);
+    return readContents(openRegular(folder.descriptor(), name.c_str(), O_RDONLY), limit);
 }
 
 FileContents readFile(const std::filesystem::path& path, std::int64_t limit)
 {
-    return readWhole(openRegular(AT_FDCWD, path.c_str(), O_RDONLY), limit);
+    return readContents(openRegular(AT_FDCWD, path.c_str(), O_RDONLY), limit);
+}
+
+LargeVector<char> readBytes(const std::filesystem::path& path, std::int64_t limit)
+{
+    return readWhole<LargeVector<char>>(openRegular(AT_FDCWD, path.c_str(), O_RDONLY), limit);
+}
+
+Descriptor openFile(const std::filesystem::path& path, std::int64_t limit)
+{
+    auto file = openRegular(AT_FDCWD, path.c_str(), O_RDONLY);
+    if (belongsToKernel(file.descriptor.number()))
+        throw NotARegularFile();
+    if (file.status.st_size > limit)
+        throwSystemError(EFBIG);
+    return std::move(file.descriptor);
 }
 
 std::int64_t fileSize(const std::filesystem::path& path)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Folder.h"
+#include "Base/LargePages.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -40,6 +41,10 @@ struct FileContents {
 FileContents readFile(const Folder& folder, const std::string& name, std::int64_t limit = INT64_MAX);
 // The same for a path that the user gave.
 FileContents readFile(const std::filesystem::path& path, std::int64_t limit = INT64_MAX);
+// The bytes alone, as fast as may be.
+LargeVector<char> readBytes(const std::filesystem::path& path, std::int64_t limit);
+// The regular file, open for reading; refused as above, and with EFBIG when it is larger than `limit`.
+Descriptor openFile(const std::filesystem::path& path, std::int64_t limit);
 // The size of the regular file at `path`; refused as above when it isn't one.
 std::int64_t fileSize(const std::filesystem::path& path);
 

@@ -17,7 +17,7 @@ namespace Base {
 namespace {
 
 constexpr UChar32 byteOrderMark = 0xFEFF;
-constexpr UChar32 replacement = 0xFFFD;
+constexpr char32_t replacement = 0xFFFD;
 
 std::int32_t length(std::string_view text) { return static_cast<std::int32_t>(text.size()); }
 
@@ -39,14 +39,6 @@ UChar32 previousPoint(std::string_view text, std::int32_t& at, std::int32_t star
     UChar32 c = 0;
     U8_PREV(text.data(), start, at, c);
     return c;
-}
-
-void appendPoint(std::string& text, UChar32 c)
-{
-    char buffer[4];
-    std::int32_t size = 0;
-    U8_APPEND_UNSAFE(buffer, size, c);
-    text.append(buffer, static_cast<std::size_t>(size));
 }
 
 #pragma GCC diagnostic pop
@@ -152,6 +144,27 @@ bool naturallyBefore(std::string_view left, std::string_view right)
     return order == UCOL_LESS || (order == UCOL_EQUAL && left < right);
 }
 
+void appendUtf8(std::string& text, char32_t character)
+{
+    const auto add = [&text](char32_t byte) { text += static_cast<char>(byte); };
+    if (character < 0x80) {
+        add(character);
+        return;
+    }
+    if (character < 0x800) {
+        add(0xC0 | character >> 6);
+    } else {
+        if (character < 0x10000) {
+            add(0xE0 | character >> 12);
+        } else {
+            add(0xF0 | character >> 18);
+            add(0x80 | (character >> 12 & 0x3F));
+        }
+        add(0x80 | (character >> 6 & 0x3F));
+    }
+    add(0x80 | (character & 0x3F));
+}
+
 std::string validUtf8(std::string_view text)
 {
     if (isAscii(text))
@@ -159,7 +172,7 @@ std::string validUtf8(std::string_view text)
     std::string valid;
     for (std::int32_t at = 0, end = length(text); at < end;) {
         const UChar32 c = nextPoint(text, at, end);
-        appendPoint(valid, c < 0 ? replacement : c);
+        appendUtf8(valid, c < 0 ? replacement : static_cast<char32_t>(c));
     }
     return valid;
 }

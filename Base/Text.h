@@ -24,6 +24,9 @@ bool naturallyBefore(std::string_view left, std::string_view right);
 // The text with every invalid UTF-8 sequence replaced by U+FFFD.
 std::string validUtf8(std::string_view text);
 
+// Adds a code point, which must not be a surrogate.
+void appendUtf8(std::string& text, char32_t character);
+
 // At most the first `count` user-perceived characters.
 std::string_view firstCharacters(std::string_view text, std::size_t count);
 

@@ -7,7 +7,9 @@
 #include "TamberlinKit/Quotes/CountCSV.h"
 #include "TamberlinKit/Text/ReadError.h"
 
+#include <condition_variable>
 #include <csignal>
+#include <mutex>
 #include <thread>
 
 namespace Pallisande::CommandLine {
@@ -62,9 +64,12 @@ private:
     static inline volatile std::sig_atomic_t s_interrupted = 0;
 
     std::stop_source m_source;
+    std::mutex m_mutex;
+    std::condition_variable_any m_ended; // So that a short count needn't wait until the watcher wakes up.
     std::jthread m_watcher { [this](const std::stop_token& end) {
+        std::unique_lock lock(m_mutex);
         while (!end.stop_requested() && !s_interrupted)
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            m_ended.wait_for(lock, end, std::chrono::milliseconds(20), [] { return s_interrupted != 0; });
         if (s_interrupted)
             m_source.request_stop();
     } };
@@ -112,7 +117,7 @@ void count(Command& command, const CountArguments& arguments)
             Tamberlin::Counter::repeated(batch.files), batch.failures }));
     else if (arguments.asCSV)
         Command::put(Tamberlin::countCSV(batch.files));
-    else if (!arguments.showsSegments)
+    else if (!arguments.showsSegments && !batch.files.empty())
         Command::put(countTable(batch));
     tellFailures(batch);
     if (!batch.failures.empty())

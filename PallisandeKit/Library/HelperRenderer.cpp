@@ -26,6 +26,7 @@ std::string reason(const Base::ChildResult& result, const std::filesystem::path&
         return "drawing the document took too long";
     case Base::ChildResult::End::wroteTooMuch:
         return "the document is too large";
+    case Base::ChildResult::End::cancelled:
     case Base::ChildResult::End::killedBySignal:
     case Base::ChildResult::End::exited:
         break;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <new>
 #include <optional>
 
@@ -222,9 +223,8 @@ Bytes inflatedEntry(const Entry& entry, std::string_view packed)
         failDamaged(entry);
     if (entry.size > mostFromOneByte * packed.size() + smallestDeflated)
         failUnchecked(entry);
-    const auto size = static_cast<std::size_t>(entry.size);
-    Bytes bytes { std::unique_ptr<char[]>(new char[size]), size };
-    bytes.size = inflated(packed, bytes.data.get(), size);
+    Bytes bytes { Base::LargeVector<char>(static_cast<std::size_t>(entry.size)) };
+    bytes.data.resize(inflated(packed, bytes.data.data(), bytes.data.size()));
     return bytes;
 }
 
@@ -232,9 +232,7 @@ Bytes storedEntry(const Entry& entry, std::string_view stored)
 {
     if (stored.size() != entry.size) // Only now is it known to be no more than an entry may have.
         failUnchecked(entry);
-    Bytes bytes { std::unique_ptr<char[]>(new char[stored.size()]), stored.size() };
-    std::copy(stored.begin(), stored.end(), bytes.data.get());
-    return bytes;
+    return { Base::LargeVector<char>(stored.begin(), stored.end()) };
 }
 
 } // namespace
@@ -283,7 +281,8 @@ Bytes read(const Entry& entry, std::string_view archive)
         throw Failure(
             fmt::format("“{}” uses a kind of compression that can’t be read.", Base::validUtf8(entry.path)));
     auto bytes = entry.method == stored ? storedEntry(entry, packed) : inflatedEntry(entry, packed);
-    if (bytes.size != entry.size || libdeflate_crc32(0, bytes.data.get(), bytes.size) != entry.crc32)
+    const auto size = bytes.data.size();
+    if (size != entry.size || libdeflate_crc32(0, bytes.data.data(), size) != entry.crc32)
         failUnchecked(entry);
     return bytes;
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Base/LargePages.h"
 #include "TamberlinKit/Text/ReadError.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,10 +12,9 @@ namespace Tamberlin {
 
 // Bytes that were unpacked. They aren't cleared first, which for large parts costs as much as unpacking.
 struct Bytes {
-    std::unique_ptr<char[]> data;
-    std::size_t size = 0;
+    Base::LargeVector<char> data;
 
-    std::string_view view() const { return { data.get(), size }; }
+    std::string_view view() const { return { data.data(), data.size() }; }
 };
 
 // Reads ZIP archives held in memory (PKWARE's application note 6.3.9, with ZIP64 records; methods stored and

@@ -44,7 +44,8 @@ public:
         const auto wanted = options.threads > 0 ? options.threads : cores;
         const auto threads = std::min<std::size_t>(wanted, files.size());
         m_mostAhead = threads + 1;
-        for (std::size_t number = 0; number < threads; ++number)
+        m_threadsPerFile = threads > 0 ? wanted / static_cast<unsigned>(threads) : 1;
+        for (std::size_t number = 0; threads > 1 && number < threads; ++number) // One alone is the caller's.
             m_threads.emplace_back([this] { work(); });
     }
     Preparation(const Preparation&) = delete;
@@ -53,6 +54,11 @@ public:
 
     Outcome take(std::size_t place)
     {
+        if (m_threads.empty()) {
+            if (m_stop.stop_requested())
+                throw Cancelled();
+            return prepared(m_files[place]);
+        }
         std::unique_lock lock(m_mutex);
         m_taken = place;
         m_changed.notify_all();
@@ -100,8 +106,11 @@ private:
         Outcome outcome;
         const auto name = Base::validUtf8(path.filename().string());
         try {
-            outcome.file = std::make_unique<Extracted>(readDocument(path, m_stop.get_token()));
-            outcome.count = std::make_unique<PreparedCount>(*outcome.file, m_options.counting);
+            const PdfOptions pdf { .recognisesScans = m_options.counting.ocrScannedPDFs,
+                .threads = m_threadsPerFile };
+            outcome.file = std::make_unique<Extracted>(readDocument(path, m_stop.get_token(), pdf));
+            outcome.count = std::make_unique<PreparedCount>(
+                *outcome.file, m_options.counting, m_threadsPerFile, m_stop.get_token());
         } catch (const ReadError& error) {
             outcome.failure = ReadFailure { name, error.what() };
         } catch (const std::bad_alloc&) {
@@ -117,6 +126,7 @@ private:
     const std::vector<fs::path>& m_files;
     const BatchOptions& m_options;
     std::size_t m_mostAhead = 0;
+    unsigned m_threadsPerFile = 1; // Few long files are counted in pieces.
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::vector<std::optional<Outcome>> m_outcomes;

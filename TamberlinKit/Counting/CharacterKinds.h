@@ -55,7 +55,13 @@ struct CharacterProperties {
     ClusterBreak clusterBreak() const { return static_cast<ClusterBreak>(packed & 15); }
     // Text of such code points alone is in Unicode’s form NFC.
     bool isComposed() const { return packed >> 8 & 1; }
-    ConjunctRole conjunctRole() const { return static_cast<ConjunctRole>(packed >> 9); }
+    ConjunctRole conjunctRole() const { return static_cast<ConjunctRole>(packed >> 9 & 3); }
+    // Between two such code points a character always ends.
+    bool standsAlone() const { return packed >> 11 & 1; }
+    // It does, is in NFC and no blank: nothing that normalizing a text could change.
+    bool isOrdinary() const { return packed >> 12 & 1; }
+    // It does, and is a CJK character or CJK punctuation.
+    bool isLoneCJK() const { return packed >> 13 & 1; }
 };
 
 namespace CharacterTable {

@@ -13,12 +13,26 @@ struct CodePoint {
     unsigned size = 1;
 };
 
+// Of any bytes.
 CodePoint longCodePointAt(std::string_view text, std::size_t at);
 
 inline CodePoint codePointAt(std::string_view text, std::size_t at)
 {
-    const auto byte = static_cast<unsigned char>(text[at]);
-    return byte < 0x80 ? CodePoint { byte, 1 } : longCodePointAt(text, at);
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(text.data()) + at;
+    const char32_t first = bytes[0];
+    if (first < 0x80)
+        return { first, 1 };
+    // The usual sequences of three and two bytes, on the shortest way.
+    const auto left = text.size() - at;
+    if (first >= 0xE0 && first < 0xF0 && left > 2) {
+        const char32_t second = bytes[1] ^ 0x80u, third = bytes[2] ^ 0x80u;
+        const auto value = (first & 0x0F) << 12 | second << 6 | third;
+        if ((second | third) < 0x40 && value >= 0x800 && value >> 11 != 0xD800 >> 11)
+            return { value, 3 };
+    } else if (first >= 0xC2 && first < 0xE0 && left > 1 && (bytes[1] ^ 0x80u) < 0x40) {
+        return { (first & 0x1F) << 6 | (bytes[1] ^ 0x80u), 2 };
+    }
+    return longCodePointAt(text, at);
 }
 
 // A character as a user perceives it: an extended grapheme cluster of UAX #29.
@@ -42,6 +56,7 @@ public:
 
     bool isAtEnd() const { return m_at == m_text.size(); }
     std::size_t at() const { return m_at; }
+    bool isAtCJK() const { return m_properties.isLoneCJK(); } // Which may be the last code point at the end.
 
     // Mustn't be called at the end.
     Character next()
@@ -53,8 +68,7 @@ public:
         m_at = character.end;
         lookAhead();
         // Most neighbours have nothing to do with each other.
-        const bool mayGoOn = properties.clusterBreak() != ClusterBreak::other
-            || m_properties.clusterBreak() != ClusterBreak::other;
+        const bool mayGoOn = !properties.standsAlone() || !m_properties.standsAlone();
         if (mayGoOn && !isAtEnd())
             extend(character, properties);
         return character;

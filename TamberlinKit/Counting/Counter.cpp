@@ -29,7 +29,10 @@ TextStats stats(std::string_view text, bool countNumbers, bool countMarks)
 std::vector<std::string> sentences(std::string_view text)
 {
     std::vector<std::string> sentences;
-    forEachSentence(text, [&](std::string_view sentence) { sentences.emplace_back(sentence); });
+    TextBlocks blocks(text);
+    SentenceReader reader(blocks);
+    for (std::string_view sentence; reader.next(sentence);)
+        sentences.emplace_back(sentence);
     return sentences;
 }
 

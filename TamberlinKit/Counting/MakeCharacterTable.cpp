@@ -116,6 +116,35 @@ ConjunctRole conjunctRole(UChar32 c)
     return isExtension ? ConjunctRole::extension : ConjunctRole::none;
 }
 
+bool standsAlone(UChar32 c)
+{
+    switch (clusterBreak(c)) {
+    case ClusterBreak::other:
+    case ClusterBreak::control:
+    case ClusterBreak::lf:
+    case ClusterBreak::lv:
+    case ClusterBreak::lvt:
+    case ClusterBreak::pictographic:
+        return conjunctRole(c) == ConjunctRole::none;
+    default:
+        return false;
+    }
+}
+
+bool isOrdinary(UChar32 c)
+{
+    const auto isBlank = kind(c) == CharacterKind::space || kind(c) == CharacterKind::lineBreak;
+    return standsAlone(c) && isComposed(c) && !isBlank;
+}
+
+std::uint16_t packed(UChar32 c)
+{
+    const bool isCJK = kind(c) == CharacterKind::cjk || kind(c) == CharacterKind::cjkPunctuation;
+    return static_cast<std::uint16_t>((isCJK && standsAlone(c) ? 1 << 13 : 0) | (isOrdinary(c) ? 1 << 12 : 0)
+        | (standsAlone(c) ? 1 << 11 : 0) | static_cast<int>(conjunctRole(c)) << 9
+        | (isComposed(c) ? 1 << 8 : 0) | static_cast<int>(kind(c)) << 4 | static_cast<int>(clusterBreak(c)));
+}
+
 template <typename Values> void write(const char* declaration, const Values& values)
 {
     std::printf("%s {", declaration);
@@ -133,9 +162,7 @@ int main()
     for (int start = 0; start < codePointCount; start += blockSize) {
         std::vector<std::uint16_t> block;
         for (int c = start; c < start + blockSize; ++c)
-            block.push_back(static_cast<std::uint16_t>(static_cast<int>(conjunctRole(c)) << 9
-                | (isComposed(c) ? 1 << 8 : 0) | static_cast<int>(kind(c)) << 4
-                | static_cast<int>(clusterBreak(c))));
+            block.push_back(packed(c));
         auto found = std::find(blocks.begin(), blocks.end(), block);
         if (found == blocks.end())
             found = blocks.insert(blocks.end(), std::move(block));

@@ -1,12 +1,17 @@
 #pragma once
 
+#include "Base/LargePages.h"
 #include "TamberlinKit/Counting/CountOptions.h"
 #include "TamberlinKit/Counting/FileCount.h"
 #include "TamberlinKit/Counting/SeenSentences.h"
 #include "TamberlinKit/Text/Extracted.h"
 
+#include <array>
 #include <cstdint>
 #include <deque>
+#include <optional>
+#include <span>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,28 +19,39 @@
 namespace Tamberlin {
 
 // The count of one file as far as it doesn't depend on the files before it, so that many can be prepared at
-// once. Only the look-up of repetitions is left, which goes in the order of the batch.
+// once, and the pieces of a long one too. Only the look-up of repetitions is left, which goes in the order of
+// the batch.
 class PreparedCount {
 public:
-    PreparedCount(
-        const Extracted& file, const CountOptions& options); // The file's texts must stay while this is used.
-    PreparedCount(const PreparedCount&) = delete;
-    PreparedCount& operator=(const PreparedCount&) = delete;
+    // The file must stay while this is used. Throws Cancelled.
+    PreparedCount(const Extracted& file, const CountOptions& options, unsigned threads = 1,
+        const std::stop_token& cancel = {});
 
-    // Finishes the count; called once.
+    // Finishes the count; called once. What the texts of the file stand in is kept by `seenInBatch`.
     FileCount finish(std::int64_t id, SeenSentences& seenInBatch);
 
 private:
-    void keep(std::string_view sentence, std::string_view segment);
-
-    CountOptions m_options;
-    FileCount m_count;
     struct Sentence {
-        std::string_view text;
+        SeenSentences::Text text;
         std::uint64_t hash;
     };
-    std::vector<Sentence> m_sentences; // That take part in the look-up.
-    std::deque<std::string> m_normalized; // Those that differ from what stands in the file.
+    // Some of the segments.
+    class Piece {
+    public:
+        void count(std::span<const Segment> segments, const CountOptions& options, bool hasSource,
+            const std::stop_token& cancel);
+
+        TextStats total;
+        std::array<std::optional<TextStats>, caseNames(Part {}).size()> byPart;
+        Base::LargeVector<Sentence> sentences; // That take part in the look-up.
+
+    private:
+        std::deque<std::string> m_normalized; // Those that differ from what stands in the file.
+    };
+
+    const Extracted& m_file;
+    CountOptions m_options;
+    std::vector<Piece> m_pieces;
 };
 
 } // namespace Tamberlin

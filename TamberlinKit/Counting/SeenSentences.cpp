@@ -4,16 +4,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
+#include <utility>
 
 namespace Tamberlin {
-
-namespace {
-
-// What is longer than this is compared by its beginning; no file that is read is.
-constexpr std::size_t longest = std::numeric_limits<std::uint32_t>::max();
-
-} // namespace
 
 std::uint64_t SeenSentences::hash(std::string_view sentence)
 {
@@ -29,27 +22,33 @@ void SeenSentences::expect(std::size_t count)
         resize(size);
 }
 
-bool SeenSentences::insert(std::string_view sentence, std::uint64_t hash)
+bool SeenSentences::insert(const Text& sentence, std::uint64_t hash)
 {
-    sentence = sentence.substr(0, longest);
     expect(1);
+    const auto text = sentence.view();
     const auto mask = m_slots.size() - 1;
     for (auto place = static_cast<std::size_t>(hash) & mask;; place = (place + 1) & mask) {
         auto& slot = m_slots[place];
         if (!slot.text) {
-            slot = { keep(sentence), static_cast<std::uint32_t>(sentence.size()),
+            slot = { sentence.stays() ? text.data() : copied(text), static_cast<std::uint32_t>(text.size()),
                 static_cast<std::uint32_t>(hash) };
             ++m_used;
             return true;
         }
-        const bool isSame = slot.hash == static_cast<std::uint32_t>(hash)
-            && std::string_view(slot.text, slot.size) == sentence;
+        const bool isSame = slot.hash == static_cast<std::uint32_t>(hash) && slot.size == text.size()
+            && (slot.text == text.data() || std::string_view(slot.text, slot.size) == text);
         if (isSame)
             return false;
     }
 }
 
-const char* SeenSentences::keep(std::string_view sentence)
+void SeenSentences::keep(std::shared_ptr<const void> source)
+{
+    if (source)
+        m_sources.push_back(std::move(source));
+}
+
+const char* SeenSentences::copied(std::string_view sentence)
 {
     constexpr std::size_t pieceSize = 1 << 20;
     if (sentence.size() > m_left || !m_next) {
@@ -67,7 +66,7 @@ const char* SeenSentences::keep(std::string_view sentence)
 
 void SeenSentences::resize(std::size_t size)
 {
-    std::vector<Slot> slots(size);
+    Slots slots(size);
     const auto mask = size - 1;
     for (const auto& slot : m_slots) {
         if (!slot.text)

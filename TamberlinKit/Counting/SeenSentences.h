@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Base/LargePages.h"
+
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -7,10 +10,32 @@
 
 namespace Tamberlin {
 
-// A set of sentences that only grows. Their texts lie one behind the other in large pieces, and the table
-// holds little more than their hashes, so that many millions fit.
+// A set of sentences that only grows. Texts that stay where they are are referred to; copies of the others
+// lie one behind the other in large pieces. The table holds little more than their hashes, so that many
+// millions fit.
 class SeenSentences {
 public:
+    // The text of a sentence. What is longer than 2 GB is compared by its beginning; no file that is read is.
+    class Text {
+    public:
+        Text(std::string_view text, bool stays)
+            : m_begin(text.data())
+            , m_size(static_cast<std::uint32_t>(std::min<std::size_t>(text.size(), longest)) & longest)
+            , m_stays(stays)
+        {
+        }
+
+        std::string_view view() const { return { m_begin, m_size }; }
+        bool stays() const { return m_stays; } // As long as the set does.
+
+    private:
+        static constexpr std::uint32_t longest = 0x7FFF'FFFF;
+
+        const char* m_begin;
+        std::uint32_t m_size : 31;
+        std::uint32_t m_stays : 1;
+    };
+
     static std::uint64_t hash(std::string_view sentence);
 
     // Makes room for so many more, so that the table needn't grow step by step.
@@ -22,7 +47,9 @@ public:
         __builtin_prefetch(m_slots.data() + (hash & (m_slots.size() - 1)));
     }
     // Whether the sentence is new; it is remembered then.
-    bool insert(std::string_view sentence, std::uint64_t hash);
+    bool insert(const Text& sentence, std::uint64_t hash);
+    // Keeps what texts that stay stand in.
+    void keep(std::shared_ptr<const void> source);
 
 private:
     struct Slot {
@@ -30,13 +57,14 @@ private:
         std::uint32_t size = 0;
         std::uint32_t hash = 0; // Its lower half.
     };
+    using Slots = Base::LargeVector<Slot>;
 
-    const char* keep(std::string_view sentence);
+    const char* copied(std::string_view sentence);
     void resize(std::size_t size);
 
-    std::vector<Slot> m_slots
-        = std::vector<Slot>(64); // A power of two of them, at most three quarters in use.
+    Slots m_slots = Slots(64); // A power of two of them, at most three quarters in use.
     std::size_t m_used = 0;
+    std::vector<std::shared_ptr<const void>> m_sources;
     std::vector<std::unique_ptr<char[]>> m_pieces;
     std::size_t m_left = 0; // In the last piece.
     char* m_next = nullptr;

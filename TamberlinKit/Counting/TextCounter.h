@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TamberlinKit/Counting/TextBlocks.h"
 #include "TamberlinKit/Counting/TextStats.h"
 
 #include <string_view>
@@ -12,6 +13,7 @@ struct WordRules {
 };
 
 // The counts of one text; its segments are 0.
+TextStats countText(TextBlocks& text, const WordRules& rules);
 TextStats countText(std::string_view text, const WordRules& rules);
 
 } // namespace Tamberlin

@@ -1,5 +1,7 @@
 #include "TamberlinKit/Markup/CharacterReferences.h"
 
+#include "Base/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -59,26 +61,6 @@ const Place* longestName(std::string_view text)
     return longest;
 }
 
-void appendUtf8(std::string& out, char32_t c)
-{
-    const auto add = [&out](char32_t byte) { out += static_cast<char>(byte); };
-    if (c < 0x80) {
-        add(c);
-    } else if (c < 0x800) {
-        add(0xC0 | c >> 6);
-        add(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        add(0xE0 | c >> 12);
-        add(0x80 | (c >> 6 & 0x3F));
-        add(0x80 | (c & 0x3F));
-    } else {
-        add(0xF0 | c >> 18);
-        add(0x80 | (c >> 12 & 0x3F));
-        add(0x80 | (c >> 6 & 0x3F));
-        add(0x80 | (c & 0x3F));
-    }
-}
-
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 constexpr bool isLetter(char c) { return lowered(c) >= 'a' && lowered(c) <= 'z'; }
@@ -111,7 +93,7 @@ std::size_t appendNumber(std::string& out, std::string_view text, ReferencePlace
     const bool isEnded = at < text.size() && text[at] == ';';
     if (at == begin || (place == ReferencePlace::strict && !isEnded))
         return 0;
-    appendUtf8(out, numbered(number));
+    Base::appendUtf8(out, numbered(number));
     return at + (isEnded ? 1 : 0);
 }
 

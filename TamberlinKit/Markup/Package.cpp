@@ -90,8 +90,11 @@ std::optional<std::string> Package::scan(std::string_view path, const XMLScan& s
         "Part of {} couldn’t be read ({}).", m_name, reason->empty() ? "damaged XML" : *reason);
 }
 
-std::vector<Package::Relationship> Package::allRelationships(std::string_view path) const
+Package::Relationships Package::allRelationships(std::string_view path) const
 {
+    const std::scoped_lock lock(m_relationshipsMutex);
+    if (m_relationships && m_relationshipsOf == path)
+        return m_relationships;
     const auto slash = path.rfind('/');
     const auto folder = slash == path.npos ? std::string_view() : path.substr(0, slash);
     const auto file = slash == path.npos ? path : path.substr(slash + 1);
@@ -107,23 +110,25 @@ std::vector<Package::Relationship> Package::allRelationships(std::string_view pa
     // A damaged list gives what came before the damage.
     static_cast<void>(
         scan(fmt::format("{}{}_rels/{}.rels", folder, folder.empty() ? "" : "/", file), reader));
-    return relationships;
+    m_relationshipsOf = path;
+    return m_relationships = std::make_shared<const std::vector<Relationship>>(std::move(relationships));
 }
 
 std::map<std::string, std::string> Package::relationships(std::string_view path) const
 {
     std::map<std::string, std::string> targets;
-    for (auto& [id, type, target] : allRelationships(path))
-        targets.insert_or_assign(std::move(id), std::move(target));
+    for (const auto& [id, type, target] : *allRelationships(path))
+        targets.insert_or_assign(id, target);
     return targets;
 }
 
 std::vector<std::string> Package::related(std::string_view path, std::string_view type) const
 {
     std::vector<std::string> targets;
-    for (auto& relationship : allRelationships(path)) {
-        if (relationship.type.ends_with(fmt::format("/{}", type)))
-            targets.push_back(std::move(relationship.target));
+    const auto ending = fmt::format("/{}", type);
+    for (const auto& relationship : *allRelationships(path)) {
+        if (relationship.type.ends_with(ending))
+            targets.push_back(relationship.target);
     }
     return targets;
 }

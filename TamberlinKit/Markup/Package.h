@@ -5,6 +5,8 @@
 
 #include <atomic>
 #include <map>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -47,7 +49,8 @@ private:
     struct Relationship {
         std::string id, type, target;
     };
-    std::vector<Relationship> allRelationships(std::string_view path) const;
+    using Relationships = std::shared_ptr<const std::vector<Relationship>>;
+    Relationships allRelationships(std::string_view path) const;
 
     std::string_view m_archive;
     std::string m_name;
@@ -55,6 +58,10 @@ private:
     std::vector<ZipReader::Entry> m_entries;
     std::unordered_map<std::string_view, std::size_t> m_places; // Of the first entry with each path.
     mutable std::atomic<std::uint64_t> m_unpacked = 0;
+    mutable std::mutex m_relationshipsMutex;
+    mutable std::string
+        m_relationshipsOf; // The part that was asked about last, which tends to be the next too.
+    mutable Relationships m_relationships;
 };
 
 } // namespace Tamberlin

@@ -14,25 +14,34 @@ namespace Tamberlin {
 
 namespace {
 
-constexpr std::size_t pieceBytes = 64 * 1024; // Stopping is checked between pieces.
+constexpr std::size_t pieceBytes = 64 * 1024;
 constexpr std::size_t longestPiece = 16 * 1024 * 1024; // A tag or comment can be twice as long.
+constexpr std::size_t betweenChecks = 1024; // Calls; stopping is checked between pieces, too.
 constexpr float mostExpansion = 2; // Of a document over 8 MB by its entities, which office files don't have.
 
 struct Parse {
     XML_Parser parser;
     const XMLLimits& limits;
-    const std::function<void(std::string_view, XMLAttributes)>& onStart;
-    const std::function<void(std::string_view)>& onEnd;
+    const std::function<void(const XMLName&, XMLAttributes)>& onStart;
+    const std::function<void(const XMLName&)>& onEnd;
     const std::function<void(std::string_view)>& onText;
+    const std::stop_token& cancel;
     std::size_t depth = 0;
     std::size_t elements = 0;
+    std::size_t calls = 0;
     bool isSilent = false; // Nothing was called back since the piece began.
     bool isInDoctype = false;
     std::string refusal;
     std::exception_ptr thrown; // Exceptions don't travel through the parser's frames.
 
-    // A stopped parser still reports the end of an empty element.
-    bool isStopped() const { return thrown || !refusal.empty(); }
+    // Begins a call back. False when the parser was stopped: it still reports the end of an empty element.
+    bool begin()
+    {
+        isSilent = false;
+        if (++calls % betweenChecks == 0 && cancel.stop_requested())
+            guarded([] { throw Cancelled(); });
+        return !thrown && refusal.empty();
+    }
 
     void stop(const char* reason)
     {
@@ -54,31 +63,28 @@ struct Parse {
 void startElement(void* data, const XML_Char* name, const XML_Char** attributes)
 {
     auto& parse = *static_cast<Parse*>(data);
-    parse.isSilent = false;
-    if (parse.isStopped())
+    if (!parse.begin())
         return;
     if (++parse.depth > parse.limits.deepest)
         return parse.stop("elements are nested too deeply");
     if (++parse.elements > parse.limits.elements)
         return parse.stop("too many elements");
-    parse.guarded([&] { parse.onStart(name, XMLAttributes(attributes)); });
+    parse.guarded([&] { parse.onStart(XMLName(name), XMLAttributes(attributes)); });
 }
 
 void endElement(void* data, const XML_Char* name)
 {
     auto& parse = *static_cast<Parse*>(data);
-    parse.isSilent = false;
-    if (parse.isStopped())
+    if (!parse.begin())
         return;
     --parse.depth;
-    parse.guarded([&] { parse.onEnd(name); });
+    parse.guarded([&] { parse.onEnd(XMLName(name)); });
 }
 
 void text(void* data, const XML_Char* characters, int length)
 {
     auto& parse = *static_cast<Parse*>(data);
-    parse.isSilent = false;
-    if (!parse.isStopped() && parse.onText)
+    if (parse.begin() && parse.onText)
         parse.guarded([&] { parse.onText({ characters, static_cast<std::size_t>(length) }); });
 }
 
@@ -89,26 +95,52 @@ void startDoctype(void* data, const XML_Char*, const XML_Char*, const XML_Char*,
 
 void endDoctype(void* data) { static_cast<Parse*>(data)->isInDoctype = false; }
 
+// At most so many bytes, ending behind a tag if there is one: the parser copies what follows one that isn't
+// complete.
+std::string_view firstPiece(std::string_view document, std::size_t length)
+{
+    const auto piece = document.substr(0, length);
+    const auto end = piece.size() < document.size() ? piece.rfind('>') : piece.npos;
+    return end == piece.npos ? piece : piece.substr(0, end + 1);
+}
+
+// Whether no tag is longer than a piece may be; none has a "<" inside.
+bool hasShortTags(std::string_view document)
+{
+    while (document.size() > longestPiece) {
+        const auto last = document.rfind('<', longestPiece);
+        if (last == document.npos || last == 0)
+            return false;
+        document.remove_prefix(last);
+    }
+    return true;
+}
+
 } // namespace
 
 std::optional<std::string> parseXML(std::string_view document, const XMLLimits& limits,
-    const std::function<void(std::string_view, XMLAttributes)>& onStart,
-    const std::function<void(std::string_view)>& onEnd, const std::function<void(std::string_view)>& onText,
+    const std::function<void(const XMLName&, XMLAttributes)>& onStart,
+    const std::function<void(const XMLName&)>& onEnd, const std::function<void(std::string_view)>& onText,
     const std::stop_token& cancel)
 {
     const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
         XML_ParserCreate(nullptr), &XML_ParserFree);
     if (!parser)
         throw std::bad_alloc();
-    Parse parse {
-        .parser = parser.get(), .limits = limits, .onStart = onStart, .onEnd = onEnd, .onText = onText
-    };
+    Parse parse { .parser = parser.get(),
+        .limits = limits,
+        .onStart = onStart,
+        .onEnd = onEnd,
+        .onText = onText,
+        .cancel = cancel };
     XML_SetUserData(parser.get(), &parse);
     XML_SetElementHandler(parser.get(), &startElement, &endElement);
     XML_SetCharacterDataHandler(parser.get(), &text);
     XML_SetDoctypeDeclHandler(parser.get(), &startDoctype, &endDoctype);
     XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser.get(), mostExpansion);
 
+    const bool isUtf16 = document.substr(0, 4).find('\0') != document.npos;
+    std::optional<bool> goesOverAtOnce; // What follows the piece with the root's tag.
     auto status = XML_STATUS_OK;
     auto length = pieceBytes;
     do {
@@ -117,9 +149,13 @@ std::optional<std::string> parseXML(std::string_view document, const XMLLimits& 
         // Declarations cost the parser quadratic time, and entities inside entities its stack.
         if (parse.isInDoctype)
             return "the document type is too long";
-        if (length > longestPiece)
+        // The parser looks for line ends in each piece but the last, to know the place behind it.
+        if (parse.elements > 0 && !goesOverAtOnce)
+            goesOverAtOnce = !isUtf16 && hasShortTags(document);
+        const bool isLast = goesOverAtOnce.value_or(false);
+        if (!isLast && length > longestPiece)
             return "a tag or comment is too long";
-        const auto piece = document.substr(0, length);
+        const auto piece = isLast ? document : firstPiece(document, length);
         document.remove_prefix(piece.size());
         parse.isSilent = true;
         status = XML_Parse(parser.get(), piece.data(), static_cast<int>(piece.size()), document.empty());

@@ -10,6 +10,24 @@
 
 namespace Tamberlin {
 
+// The name of an element.
+struct XMLName {
+    explicit XMLName(const char* name)
+    {
+        auto end = name, behindPrefix = name;
+        for (; *end != '\0'; ++end) {
+            if (*end == ':' && behindPrefix == name)
+                behindPrefix = end + 1;
+        }
+        written = { name, end };
+        local = { behindPrefix, end };
+    }
+
+    operator std::string_view() const { return written; }
+
+    std::string_view written, local; // "w:p", "p".
+};
+
 // The attributes of one start tag; they are looked up only when asked for.
 class XMLAttributes {
 public:
@@ -27,14 +45,20 @@ public:
         return std::nullopt;
     }
 
-    // The value of the first attribute whose name is accepted.
-    template <typename Accept> std::optional<std::string_view> findIf(Accept accept) const
+    // The value of the attribute written so, else of the first one whose name behind its prefix is this.
+    std::optional<std::string_view> findLocal(std::string_view name) const
     {
+        const char* found = nullptr;
         for (auto pair = m_pairs; *pair; pair += 2) {
-            if (accept(std::string_view(pair[0])))
+            const std::string_view written = *pair;
+            if (!written.ends_with(name))
+                continue;
+            if (written.size() == name.size())
                 return std::string_view(pair[1]);
+            if (!found && written[written.size() - name.size() - 1] == ':')
+                found = pair[1];
         }
-        return std::nullopt;
+        return found ? std::optional<std::string_view>(found) : std::nullopt;
     }
 
 private:
@@ -47,12 +71,12 @@ struct XMLLimits {
 };
 
 // Goes through an XML 1.0 document and calls back for each start and end tag, and for text where that is
-// wanted; names are as written, prefix included. No external entity is ever read. Gives the parser's reason
+// wanted. No external entity is ever read. Gives the parser's reason
 // when the document isn't well-formed or passes a limit; what came before was called back all the same.
 // Throws Cancelled when a stop was asked for.
 std::optional<std::string> parseXML(std::string_view document, const XMLLimits& limits,
-    const std::function<void(std::string_view element, XMLAttributes attributes)>& onStart,
-    const std::function<void(std::string_view element)>& onEnd,
+    const std::function<void(const XMLName& element, XMLAttributes attributes)>& onStart,
+    const std::function<void(const XMLName& element)>& onEnd,
     const std::function<void(std::string_view text)>& onText = {}, const std::stop_token& cancel = {});
 
 } // namespace Tamberlin

@@ -2,37 +2,17 @@
 
 namespace Tamberlin {
 
-namespace {
-
-std::string_view localName(std::string_view name)
-{
-    const auto colon = name.find(':');
-    return colon == name.npos ? name : name.substr(colon + 1);
-}
-
-} // namespace
-
-std::optional<std::string_view> XMLScan::Attributes::find(std::string_view name) const
-{
-    if (const auto exact = m_raw.find(name))
-        return exact;
-    return m_raw.findIf([&](std::string_view written) {
-        const auto colon = written.rfind(':');
-        return colon != written.npos && written.substr(colon + 1) == name;
-    });
-}
-
 std::optional<std::string> XMLScan::parse(std::string_view part, const std::stop_token& cancel) const
 {
     return parseXML(
         part, {},
-        [this](std::string_view element, XMLAttributes attributes) {
+        [this](const XMLName& element, XMLAttributes attributes) {
             if (onStart)
-                onStart(localName(element), Attributes(attributes));
+                onStart(element.local, Attributes(attributes));
         },
-        [this](std::string_view element) {
+        [this](const XMLName& element) {
             if (onEnd)
-                onEnd(localName(element));
+                onEnd(element.local);
         },
         onText, cancel);
 }

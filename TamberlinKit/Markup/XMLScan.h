@@ -21,7 +21,7 @@ struct XMLScan {
         }
 
         // The value of the attribute written so, else of the first one whose name behind its prefix is this.
-        std::optional<std::string_view> find(std::string_view name) const;
+        std::optional<std::string_view> find(std::string_view name) const { return m_raw.findLocal(name); }
         std::string_view valueOr(std::string_view name, std::string_view other) const
         {
             return find(name).value_or(other);

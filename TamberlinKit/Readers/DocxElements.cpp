@@ -1,6 +1,7 @@
 #include "TamberlinKit/Readers/DocxElements.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <utility>
 
@@ -30,6 +31,7 @@ DocxElement docxElementNamed(std::string_view name)
         { "footnote", note },
         { "headerReference", headerOrFooter },
         { "imagedata", image },
+        { "instrText", fieldCode },
         { "lim", pieceOfFormula },
         { "moveFrom", deletion },
         { "mr", rowOfFormula },
@@ -68,9 +70,24 @@ DocxElement docxElementNamed(std::string_view name)
         { "vanish", vanish },
     };
     static_assert(std::is_sorted(std::begin(named), std::end(named)));
-    const auto place = std::lower_bound(std::begin(named), std::end(named), name,
-        [](const auto& entry, std::string_view wanted) { return entry.first < wanted; });
-    return place != std::end(named) && place->first == name ? place->second : other;
+    // Where the names with each first letter begin. Most names aren't among them and have no equal in length.
+    static constexpr auto begin = [] {
+        std::array<std::uint8_t, 129> places {};
+        for (std::size_t letter = 0; letter < places.size(); ++letter) {
+            auto& place = places[letter];
+            while (place < std::size(named) && static_cast<unsigned char>(named[place].first[0]) < letter)
+                ++place;
+        }
+        return places;
+    }();
+    const auto first = name.empty() ? 0 : static_cast<unsigned char>(name.front());
+    if (first >= 128)
+        return other;
+    for (std::size_t place = begin[first]; place < begin[first + 1u]; ++place) {
+        if (named[place].first == name)
+            return named[place].second;
+    }
+    return other;
 }
 
 } // namespace Tamberlin

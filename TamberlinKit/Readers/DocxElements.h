@@ -17,6 +17,7 @@ enum class DocxElement : std::uint8_t {
     diagram,
     endOfLine,
     field,
+    fieldCode,
     formField,
     headerOrFooter,
     image,

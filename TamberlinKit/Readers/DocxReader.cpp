@@ -1,5 +1,5 @@
 #include "TamberlinKit/Readers/DocxStory.h"
-#include "TamberlinKit/Readers/DrawingParts.h"
+#include "TamberlinKit/Readers/DrawingReader.h"
 #include "TamberlinKit/Readers/OfficeMarkup.h"
 #include "TamberlinKit/Readers/ProtectedPackage.h"
 #include "TamberlinKit/Readers/Readers.h"
@@ -21,6 +21,7 @@ public:
         : m_package(package)
         , m_extracted(extracted)
         , m_main(mainPart(package, "word/document.xml"))
+        , m_drawings(package, extracted)
     {
     }
 
@@ -43,14 +44,13 @@ private:
     {
         if (!m_seen.insert(path).second)
             return true;
-        const auto segments = m_extracted.segments.size(), drawings = m_drawings.size();
+        const auto segments = m_extracted.segments.size(), drawings = m_drawings.partsRead();
         const auto findings = m_findings;
         const auto end = scanStory(path, part, DocxStory::Fields::known);
         if (end == End::unendedCode) {
             m_extracted.segments.resize(segments);
             m_findings = findings;
-            for (; m_drawings.size() > drawings; m_drawings.pop_back())
-                m_seen.erase(m_drawings.back());
+            m_drawings.forgetSince(drawings);
             scanStory(path, part, DocxStory::Fields::ignored);
         }
         return end != End::damaged;
@@ -60,11 +60,16 @@ private:
     End scanStory(const std::string& path, Part part, DocxStory::Fields fields)
     {
         std::optional<std::map<std::string, std::string>> targets; // Most stories refer to no drawings.
-        const auto onDrawing = [&](std::string_view relationship) {
+        const auto onDrawing = [&](DocxElement element, std::string_view relationship, Part place) {
             if (!targets)
                 targets = m_package.relationships(path);
-            if (const auto target = targets->find(std::string(relationship)); target != targets->end())
-                readDrawing(target->second);
+            const auto target = targets->find(std::string(relationship));
+            if (target == targets->end())
+                return;
+            if (element == DocxElement::chart)
+                m_drawings.readChart(target->second, place);
+            else
+                m_drawings.readDiagram(target->second, place);
         };
         DocxStory story(part, fields, m_styles, m_extracted.segments, m_findings, onDrawing);
         const auto damage = m_package.scan(path,
@@ -103,24 +108,9 @@ private:
             readRelated(type, Part::headersFooters);
     }
 
-    void readDrawing(const std::string& path)
-    {
-        const auto readOnce = [this](const std::string& part) {
-            if (!m_seen.insert(part).second)
-                return false;
-            m_drawings.push_back(part);
-            addNote(m_extracted, readDrawingPart(m_package, part, m_extracted.segments));
-            return true;
-        };
-        if (!readOnce(path))
-            return;
-        for (const auto& shapes : m_package.related(path, "chartUserShapes"))
-            readOnce(shapes);
-    }
-
     void addFindings()
     {
-        m_findings.notCounted.tell(m_extracted.notes);
+        m_drawings.addNotes(m_findings.notCounted, false);
         struct {
             std::int64_t count;
             std::string_view one, several;
@@ -142,8 +132,8 @@ private:
     std::string m_main;
     DocxStyles m_styles;
     DocxFindings m_findings;
-    std::set<std::string> m_seen; // Parts that were read.
-    std::vector<std::string> m_drawings; // Those of them that are drawings, in order.
+    DrawingReader m_drawings;
+    std::set<std::string> m_seen; // Stories that were read.
 };
 
 } // namespace

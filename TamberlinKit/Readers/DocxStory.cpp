@@ -1,8 +1,9 @@
 #include "TamberlinKit/Readers/DocxStory.h"
 
+#include "Base/Text.h"
 #include "TamberlinKit/Readers/SegmentWriter.h"
 
-#include <unicode/unistr.h>
+#include <unicode/utf.h>
 
 #include <algorithm>
 #include <charconv>
@@ -11,7 +12,7 @@
 namespace Tamberlin {
 
 DocxStory::DocxStory(Part part, Fields fields, const DocxStyles& styles, std::vector<Segment>& segments,
-    DocxFindings& findings, std::function<void(std::string_view)> onDrawing)
+    DocxFindings& findings, OnDrawing onDrawing)
     : m_styles(styles)
     , m_segments(segments)
     , m_findings(findings)
@@ -149,8 +150,19 @@ void DocxStory::end()
 
 void DocxStory::text(std::string_view text)
 {
-    if (m_skipped == 0 && isIn(0, DocxElement::text))
+    if (m_skipped > 0)
+        return;
+    if (isIn(0, DocxElement::text))
         put(text);
+    else if (isIn(0, DocxElement::fieldCode) && !m_fields.empty() && m_fields.back().code.size() < 16)
+        m_fields.back().code += text.substr(0, 16);
+}
+
+// Fields that set the text of a bookmark don't show it; others do that.
+bool DocxStory::Field::isShown() const
+{
+    const auto word = std::string_view(code).substr(std::min(code.find_first_not_of(' '), code.size()));
+    return !word.starts_with("SET ") && !word.starts_with("ASK ");
 }
 
 // What isn't text: it is counted for the notes, or read elsewhere.
@@ -181,10 +193,10 @@ void DocxStory::find(DocxElement element, const XMLScan::Attributes& attributes)
         ++m_objects;
         break;
     case DocxElement::chart:
-        m_onDrawing(attributes.valueOr("id", ""));
-        break;
     case DocxElement::diagram:
-        m_onDrawing(attributes.valueOr("dm", ""));
+        if (m_fieldCodes == 0)
+            m_onDrawing(element, attributes.valueOr(element == DocxElement::chart ? "id" : "dm", ""),
+                partOfBox(Part::textBoxes));
         break;
     case DocxElement::wordArt:
         if (const auto text = attributes.find("string"); text && m_fieldCodes == 0)
@@ -253,17 +265,19 @@ void DocxStory::startField(std::string_view kind)
     if (m_ignoresFields)
         return;
     if (kind == "begin") {
-        m_fields.push_back(true);
+        m_fields.emplace_back();
         ++m_fieldCodes;
         return;
     }
     if (m_fields.size() <= m_boxes.back().fields)
         return;
-    if (m_fields.back()) // Its code ends with the field when there is no result.
+    auto& field = m_fields.back();
+    if (kind == "separate" && !field.isShown())
+        return;
+    if (field.isCode) // The code ends with the field when there is no result.
         --m_fieldCodes;
-    if (kind == "separate")
-        m_fields.back() = false;
-    else if (kind == "end")
+    field.isCode = false;
+    if (kind == "end")
         m_fields.pop_back();
 }
 
@@ -287,7 +301,7 @@ void DocxStory::put(std::string_view text)
     }
     auto& segment = m_segments[isApart ? paragraph.hiddenSegment : paragraph.segment].text;
     if (std::exchange(paragraph.isBreakDue, false) && !segment.empty())
-        segment += '\n';
+        segment += "\n";
     segment += text;
 }
 
@@ -300,7 +314,7 @@ void DocxStory::putSymbol(std::string_view code)
     if (error != std::errc {} || rest != end || character < 0x20 || U_IS_SURROGATE(character))
         return;
     std::string text;
-    icu::UnicodeString(static_cast<UChar32>(character)).toUTF8String(text);
+    Base::appendUtf8(text, character);
     put(text);
 }
 

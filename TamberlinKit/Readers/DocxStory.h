@@ -34,8 +34,9 @@ public:
     enum class Fields { known, ignored };
 
     // `onDrawing` is given the relationship of a chart or diagram where it stands.
+    using OnDrawing = std::function<void(DocxElement element, std::string_view relationship, Part part)>;
     DocxStory(Part part, Fields fields, const DocxStyles& styles, std::vector<Segment>& segments,
-        DocxFindings& findings, std::function<void(std::string_view relationship)> onDrawing);
+        DocxFindings& findings, OnDrawing onDrawing);
 
     bool isWordDocument() const { return m_isWordDocument; } // Known once the first element has opened.
     // Whether the code of a field goes on to the end, or to that of a text box or note, which may have cost
@@ -57,6 +58,11 @@ private:
         Part part = Part::body;
         std::size_t fields = 0, fieldCodes = 0; // Those open outside.
         std::size_t unended = none; // The segment of a paragraph whose end was deleted.
+    };
+    struct Field {
+        std::string code; // Its beginning.
+        bool isCode = true; // It is still going on.
+        bool isShown() const;
     };
     struct Paragraph {
         std::size_t segment = none;
@@ -84,12 +90,12 @@ private:
     const DocxStyles& m_styles;
     std::vector<Segment>& m_segments;
     DocxFindings& m_findings;
-    std::function<void(std::string_view)> m_onDrawing;
+    OnDrawing m_onDrawing;
     bool m_ignoresFields;
     std::vector<Open> m_open;
     std::vector<Box> m_boxes;
     std::vector<Paragraph> m_paragraphs; // Those open, the innermost last.
-    std::vector<bool> m_fields; // Those open: whether their code is still going on.
+    std::vector<Field> m_fields; // Those open.
     std::size_t m_fieldCodes = 0;
     std::size_t m_skipped = 0; // Open elements of what is left out.
     std::size_t m_objects = 0; // Open.

@@ -12,7 +12,7 @@ namespace Tamberlin {
 namespace {
 
 // Gathers what a chart says itself: titles and other texts, and series or categories that were typed into it.
-// The names that it takes from its data are copies of cells, and Office counts none of them.
+// The names that it takes from its data are left out, as in PowerPoint's own count.
 class ChartText {
 public:
     ChartText(std::vector<Segment>& segments, Part part)
@@ -23,43 +23,12 @@ public:
 
     bool hasData() const { return m_hasData; }
 
-    XMLScan scan()
+    void start(std::string_view element, const XMLScan::Attributes&)
     {
-        return {
-            .onStart =
-                [this](std::string_view element, const XMLScan::Attributes&) {
-                    if (m_branches.start(element))
-                        start(element);
-                },
-            .onEnd =
-                [this](std::string_view element) {
-                    if (m_branches.end(element))
-                        end(element);
-                },
-            .onText =
-                [this](std::string_view text) {
-                    if (m_inText && m_dataDepth == 0 && !m_inField && !m_branches.isSkipping())
-                        m_text += text;
-                },
-        };
-    }
-
-private:
-    static bool isData(std::string_view element)
-    {
-        constexpr std::string_view kinds[] { "strCache", "numCache", "multiLvlStrCache", "dlblRangeCache",
-            "numLit", "strDim", "numDim" };
-        return std::find(std::begin(kinds), std::end(kinds), element) != std::end(kinds);
-    }
-
-    bool isText(std::string_view element) const
-    {
-        return element == "p" || element == "v" || (element == "name" && m_inTrendline);
-    }
-
-    void start(std::string_view element)
-    {
-        if (isData(element)) {
+        // Series and categories that were filtered out are kept in a chart, but not shown.
+        if (m_leftOut > 0 || element.starts_with("filtered"))
+            ++m_leftOut;
+        else if (isData(element)) {
             ++m_dataDepth;
             m_hasData |= element == "strCache" || element == "multiLvlStrCache" || element == "strDim";
         } else if (element == "rich") {
@@ -84,7 +53,9 @@ private:
 
     void end(std::string_view element)
     {
-        if (isData(element)) {
+        if (m_leftOut > 0)
+            --m_leftOut;
+        else if (isData(element)) {
             --m_dataDepth;
             m_isLinked = false;
         } else if (element == "rich") {
@@ -103,10 +74,28 @@ private:
         }
     }
 
+    void text(std::string_view text)
+    {
+        if (m_inText && m_leftOut == 0 && m_dataDepth == 0 && !m_inField)
+            m_text += text;
+    }
+
+private:
+    static bool isData(std::string_view element)
+    {
+        constexpr std::string_view kinds[] { "strCache", "numCache", "multiLvlStrCache", "dlblRangeCache",
+            "numLit", "strDim", "numDim" };
+        return std::find(std::begin(kinds), std::end(kinds), element) != std::end(kinds);
+    }
+
+    bool isText(std::string_view element) const
+    {
+        return element == "p" || element == "v" || (element == "name" && m_inTrendline);
+    }
+
     std::vector<Segment>& m_segments;
     Part m_part;
-    OneBranch m_branches;
-    std::size_t m_dataDepth = 0;
+    std::size_t m_leftOut = 0, m_dataDepth = 0; // Elements open.
     bool m_hasData = false, m_inRich = false, m_inText = false, m_inField = false;
     bool m_inTrendline = false, m_isLinked = false;
     std::string m_text;
@@ -116,7 +105,7 @@ private:
 
 bool DrawingReader::read(const std::string& path, const Places& places)
 {
-    if (!m_seen.insert(path).second)
+    if (!isNew(path))
         return false;
     if (!m_package.has(path)) {
         addNote(
@@ -134,7 +123,8 @@ bool DrawingReader::read(const std::string& path, const Places& places)
     DrawingText text(m_extracted.segments, places);
     text.onDiagram = [&](std::string_view id, Part part) { readDiagram(target(id), part); };
     text.onChart = [&](std::string_view id, Part part) { readChart(target(id), part); };
-    addNote(m_extracted, m_package.scan(path, text.scan()));
+    OneBranch branches;
+    addNote(m_extracted, m_package.scan(path, branches.scan(text)));
     m_notCounted.pictures += text.pictures();
     m_notCounted.objects += text.objects();
     return text.isHiddenSlide();
@@ -143,31 +133,50 @@ bool DrawingReader::read(const std::string& path, const Places& places)
 // The data of a diagram (SmartArt) has each text once; its drawing may repeat some and leave out others.
 void DrawingReader::readDiagram(const std::string& path, Part part)
 {
-    if (!m_seen.insert(path).second)
+    if (!isNew(path))
         return;
     DrawingText text(m_extracted.segments, { part, part, part });
-    addNote(m_extracted, m_package.scan(path, text.scan()));
+    OneBranch branches;
+    addNote(m_extracted, m_package.scan(path, branches.scan(text)));
 }
 
 void DrawingReader::readChart(const std::string& path, Part part)
 {
-    if (!m_seen.insert(path).second)
+    if (!isNew(path))
         return;
     ChartText text(m_extracted.segments, part);
-    addNote(m_extracted, m_package.scan(path, text.scan()));
-    m_chartsWithData += text.hasData();
+    OneBranch branches;
+    addNote(m_extracted, m_package.scan(path, branches.scan(text)));
+    m_read.back().isChartWithData = text.hasData();
     for (const auto& shapes : m_package.related(path, "chartUserShapes"))
         readDiagram(shapes, part);
 }
 
-void DrawingReader::addNotes(std::int64_t otherObjects, bool isChartDataElsewhere)
+bool DrawingReader::isNew(const std::string& path)
 {
-    if (m_chartsWithData > 0 && isChartDataElsewhere)
+    const auto [place, isNew] = m_seen.insert(path);
+    if (isNew)
+        m_read.push_back({ place });
+    return isNew;
+}
+
+void DrawingReader::forgetSince(std::size_t partsRead)
+{
+    for (; m_read.size() > partsRead; m_read.pop_back())
+        m_seen.erase(m_read.back().path);
+}
+
+void DrawingReader::addNotes(NotCounted elsewhere, bool isWorkbook)
+{
+    const auto charts
+        = std::count_if(m_read.begin(), m_read.end(), [](const Read& read) { return read.isChartWithData; });
+    if (charts > 0 && !isWorkbook)
         addNote(m_extracted,
             fmt::format("The names of series and categories in {} belong to the data and aren’t counted.",
-                m_chartsWithData == 1 ? "1 chart" : fmt::format("{} charts", m_chartsWithData)));
-    m_notCounted.objects += otherObjects;
-    m_notCounted.tell(m_extracted.notes);
+                charts == 1 ? "1 chart" : fmt::format("{} charts", charts)));
+    elsewhere.pictures += m_notCounted.pictures;
+    elsewhere.objects += m_notCounted.objects;
+    elsewhere.tell(m_extracted.notes);
 }
 
 } // namespace Tamberlin

@@ -1,32 +1,12 @@
 #include "TamberlinKit/Readers/DrawingText.h"
 
-namespace Tamberlin {
+#include "TamberlinKit/Readers/OfficeMarkup.h"
 
-XMLScan DrawingText::scan()
-{
-    return {
-        .onStart =
-            [this](std::string_view element, const XMLScan::Attributes& attributes) {
-                ++m_depth;
-                if (m_branches.start(element))
-                    start(element, attributes);
-            },
-        .onEnd =
-            [this](std::string_view element) {
-                if (m_branches.end(element))
-                    end(element);
-                --m_depth;
-            },
-        .onText =
-            [this](std::string_view text) {
-                if (m_inText && !m_inLeftOutField && !m_branches.isSkipping())
-                    m_text += text;
-            },
-    };
-}
+namespace Tamberlin {
 
 void DrawingText::start(std::string_view element, const XMLScan::Attributes& attributes)
 {
+    ++m_depth;
     if (m_inParagraph) {
         if (element == "t")
             m_inText = true;
@@ -41,11 +21,12 @@ void DrawingText::start(std::string_view element, const XMLScan::Attributes& att
     } else if (element == "ph") {
         const auto type = attributes.find("type");
         m_isMargin = type == "hdr" || type == "ftr" || type == "dt" || type == "sldNum";
+        m_isLeftOut = type == "sldNum" && !m_places.hasOwnNumber;
     } else if (element == "cNvPr") { // Of a shape, in its group of properties.
         if (isOn(attributes.find("hidden")) && m_hiddenAbove == never && m_depth > 2)
             m_hiddenAbove = m_depth - 2;
     } else if (element == "sp") {
-        m_isMargin = false;
+        m_isMargin = m_isLeftOut = false;
     } else if (element == "pic") {
         m_pictures += m_object == never;
     } else if (element == "oleObj" && m_object == never) {
@@ -69,11 +50,12 @@ void DrawingText::end(std::string_view element)
     else if (element == "fld")
         m_inLeftOutField = false;
     else if (element == "sp")
-        m_isMargin = false;
+        m_isMargin = m_isLeftOut = false;
     if (m_depth == m_hiddenAbove)
         m_hiddenAbove = never;
     if (m_depth == m_object)
         m_object = never;
+    --m_depth;
 }
 
 void DrawingText::endParagraph()
@@ -81,8 +63,8 @@ void DrawingText::endParagraph()
     m_inParagraph = m_inText = false;
     decodeEscapes(m_text);
     const auto place = m_isMargin ? m_places.margins : m_places.text;
-    if (place)
-        addSegment(m_segments, m_text, isHidden() ? Part::hidden : *place);
+    if (!m_isLeftOut)
+        addSegment(m_segments, m_text, isHidden() ? Part::hidden : place);
 }
 
 } // namespace Tamberlin

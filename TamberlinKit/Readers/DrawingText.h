@@ -2,7 +2,6 @@
 
 #include "TamberlinKit/Markup/XMLScan.h"
 #include "TamberlinKit/Readers/DrawingReader.h"
-#include "TamberlinKit/Readers/OfficeMarkup.h"
 
 #include <cstdint>
 #include <functional>
@@ -24,16 +23,19 @@ public:
 
     std::function<void(std::string_view relationship, Part part)> onDiagram, onChart;
 
-    // Calls back here; keep this object where it is while it is used.
-    XMLScan scan();
+    void start(std::string_view element, const XMLScan::Attributes& attributes);
+    void end(std::string_view element);
+    void text(std::string_view text)
+    {
+        if (m_inText && !m_inLeftOutField)
+            m_text += text;
+    }
 
     bool isHiddenSlide() const { return m_isHiddenSlide; }
     std::int64_t pictures() const { return m_pictures; }
     std::int64_t objects() const { return m_objects; }
 
 private:
-    void start(std::string_view element, const XMLScan::Attributes& attributes);
-    void end(std::string_view element);
     void endParagraph();
     bool isHidden() const { return m_isHiddenSlide || m_hiddenAbove <= m_depth; }
 
@@ -41,12 +43,12 @@ private:
 
     std::vector<Segment>& m_segments;
     DrawingReader::Places m_places;
-    OneBranch m_branches;
     std::size_t m_depth = 0;
     std::size_t m_hiddenAbove = never; // The depth of the shape that isn't shown.
     std::size_t m_object = never; // The depth of the embedded object whose picture this is.
     bool m_isHiddenSlide = false;
     bool m_isMargin = false; // In a placeholder for header, footer, date or number.
+    bool m_isLeftOut = false;
     bool m_inParagraph = false, m_inText = false, m_inLeftOutField = false;
     std::string m_text;
     std::int64_t m_pictures = 0, m_objects = 0;

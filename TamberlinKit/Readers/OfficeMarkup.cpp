@@ -1,13 +1,13 @@
 #include "TamberlinKit/Readers/OfficeMarkup.h"
 
+#include "Base/Text.h"
+
 #include <algorithm>
 #include <charconv>
 
 namespace Tamberlin {
 
 namespace {
-
-constexpr std::string_view replacement = "\xEF\xBF\xBD"; // U+FFFD.
 
 // The UTF-16 unit of an escape at the beginning of the text: underscore, x, four hexadecimal digits,
 // underscore.
@@ -21,23 +21,6 @@ std::optional<char32_t> escapedUnit(std::string_view text)
     if (error != std::errc() || end != digits + 4)
         return std::nullopt;
     return static_cast<char32_t>(unit);
-}
-
-// Writes the scalar in UTF-8 at `out`, which is never more than its escape took.
-std::size_t encode(char32_t scalar, char* out)
-{
-    const auto byte = [](char32_t bits) { return static_cast<char>(bits); };
-    const auto tail = [&](char32_t bits) { return byte(0x80 | (bits & 0x3F)); };
-    if (scalar < 0x80)
-        return out[0] = byte(scalar), 1;
-    if (scalar < 0x800)
-        return out[0] = byte(0xC0 | (scalar >> 6)), out[1] = tail(scalar), 2;
-    if (scalar >= 0xD800 && scalar < 0xE000)
-        return replacement.copy(out, replacement.size());
-    if (scalar < 0x10000)
-        return out[0] = byte(0xE0 | (scalar >> 12)), out[1] = tail(scalar >> 6), out[2] = tail(scalar), 3;
-    out[0] = byte(0xF0 | (scalar >> 18));
-    return out[1] = tail(scalar >> 12), out[2] = tail(scalar >> 6), out[3] = tail(scalar), 4;
 }
 
 } // namespace
@@ -68,9 +51,9 @@ bool isOn(std::optional<std::string_view> attribute)
     return attribute == "1" || attribute == "true" || attribute == "on";
 }
 
-void decodeEscapes(std::string& text, std::size_t from)
+void decodeEscapes(std::string& text)
 {
-    auto read = text.find("_x", from);
+    auto read = text.find("_x");
     if (read == text.npos)
         return;
     auto written = read;
@@ -87,16 +70,23 @@ void decodeEscapes(std::string& text, std::size_t from)
             scalar = 0x10000 + ((*scalar - 0xD800) << 10) + (*low - 0xDC00);
             read += 7;
         }
+        if (*scalar >= 0xD800 && *scalar < 0xE000) // Half a character.
+            scalar = 0xFFFD;
         const bool isBlank = *scalar >= 0x09 && *scalar <= 0x0D;
+        std::string character;
         if (*scalar >= 0x20 || isBlank) // Other controls stand for nothing that is read.
-            written += encode(*scalar, text.data() + written);
+            Base::appendUtf8(character, *scalar);
+        written
+            += character.copy(text.data() + written, character.size()); // Never more than its escape took.
     }
     text.resize(written);
 }
 
+bool hasText(std::string_view text) { return text.find_first_not_of(" \t\n\v\f\r") != text.npos; }
+
 void addSegment(std::vector<Segment>& segments, std::string_view text, Part part)
 {
-    if (text.find_first_not_of(" \t\n\v\f\r") != text.npos)
+    if (hasText(text))
         segments.push_back({ std::string(text), part });
 }
 

@@ -31,7 +31,7 @@ std::string_view withoutBlanks(std::string_view text);
 
 // Adds the segments of a paragraph of plain text: its lines, which follow each other in one text. A line is a
 // segment, unless the text is wrapped: where the next word wouldn't have fitted on the line any more, the
-// sentence goes on.
+// sentence goes on. The segments stand in that text.
 void addParagraph(std::vector<Segment>& segments, const std::vector<std::string_view>& lines);
 
 } // namespace Tamberlin

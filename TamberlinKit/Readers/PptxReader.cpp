@@ -48,16 +48,18 @@ Extracted readPptx(std::string_view file, std::string name, const std::stop_toke
     extracted.pages = static_cast<std::int64_t>(paths.size());
     for (const auto& slide : paths) {
         // Text boxes are as much the slide’s main text as its placeholders are: nothing else is on a slide.
-        const bool isHidden = drawings.read(
-            slide, { .text = Part::body, .margins = Part::headersFooters, .graphics = Part::textBoxes });
+        const bool isHidden = drawings.read(slide, {});
         const auto notes = isHidden ? Part::hidden : Part::slideNotes;
         for (const auto& page : package.related(slide, "notesSlide"))
-            drawings.read(page, { .text = notes, .margins = std::nullopt, .graphics = notes });
+            drawings.read(page,
+                { .text = notes,
+                    .margins = isHidden ? Part::hidden : Part::headersFooters,
+                    .graphics = notes,
+                    .hasOwnNumber = false });
         for (const auto& comments : package.related(slide, "comments")) // Of the old and of the new kind.
-            drawings.read(
-                comments, { .text = Part::comments, .margins = std::nullopt, .graphics = Part::comments });
+            drawings.read(comments, { .text = Part::comments, .graphics = Part::comments });
     }
-    drawings.addNotes(0, true);
+    drawings.addNotes({}, false);
     return extracted;
 }
 

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <cerrno>
+#include <memory>
 #include <system_error>
 
 namespace Tamberlin {
@@ -17,10 +18,11 @@ namespace fs = std::filesystem;
 
 constexpr std::int64_t largestFile = 1'073'741'824; // 1 GiB.
 
-std::string contents(const fs::path& path, const std::string& name)
+// What `open` gives; where it can't, the sentence for that.
+template <typename Open> auto opened(const std::string& name, Open open)
 {
     try {
-        return Base::readFile(path, largestFile).bytes;
+        return open();
     } catch (const Base::NotARegularFile&) {
         throw ReadError(fmt::format("“{}” couldn’t be opened: not a regular file", name));
     } catch (const std::system_error& error) {
@@ -30,35 +32,37 @@ std::string contents(const fs::path& path, const std::string& name)
     }
 }
 
-} // namespace
+using Reader = Extracted (*)(std::string_view file, std::string name, const std::stop_token& cancel);
 
-Extracted readDocument(
-    std::string_view file, std::string name, FileFormat format, const std::stop_token& cancel)
+// Nothing for PDFs, which are read elsewhere.
+Reader reader(FileFormat format)
 {
     switch (format) {
     case FileFormat::docx:
-        return readDocx(file, std::move(name), cancel);
+        return readDocx;
     case FileFormat::pptx:
-        return readPptx(file, std::move(name), cancel);
+        return readPptx;
     case FileFormat::xlsx:
-        return readXlsx(file, std::move(name), cancel);
+        return readXlsx;
     case FileFormat::odt:
-        return readOdt(file, std::move(name), cancel);
+        return readOdt;
     case FileFormat::html:
-        return readHtml(file, std::move(name), cancel);
+        return readHtml;
     case FileFormat::rtf:
-        return readRtf(file, std::move(name), cancel);
+        return readRtf;
     case FileFormat::txt:
-        return readText(file, std::move(name), cancel);
+        return readText;
     case FileFormat::srt:
-        return readSubtitles(file, std::move(name), cancel);
+        return readSubtitles;
     case FileFormat::pdf:
         break;
     }
-    throw ReadError(fmt::format("“{}” is a PDF, which this version can’t read.", name));
+    return nullptr;
 }
 
-Extracted readDocument(const fs::path& path, const std::stop_token& cancel)
+} // namespace
+
+Extracted readDocument(const fs::path& path, const std::stop_token& cancel, const PdfOptions& pdf)
 {
     auto name = Base::validUtf8(path.filename().string());
     auto extension = path.extension().string();
@@ -66,8 +70,17 @@ Extracted readDocument(const fs::path& path, const std::stop_token& cancel)
     const auto format = formatOfExtension(extension);
     if (!format)
         throw ReadError(fmt::format("“{}” isn’t a kind of document that can be counted.", name));
-    const auto file = contents(path, name);
-    return readDocument(file, std::move(name), *format, cancel);
+    const auto read = reader(*format);
+    if (!read) {
+        const auto file = opened(name, [&] { return Base::openFile(path, largestFile); });
+        return readPdf(file, std::move(name), pdf, cancel);
+    }
+    const auto file = std::make_shared<const Base::LargeVector<char>>(
+        opened(name, [&] { return Base::readBytes(path, largestFile); }));
+    auto extracted = read({ file->data(), file->size() }, std::move(name), cancel);
+    if (!extracted.source.kept)
+        extracted.source.kept = file;
+    return extracted;
 }
 
 } // namespace Tamberlin

@@ -1,9 +1,10 @@
 #include "TamberlinKit/Readers/RtfCodePage.h"
 
+#include "Base/Text.h"
+
 #include <fmt/format.h>
 #include <unicode/ucnv.h>
 #include <unicode/unistr.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -39,20 +40,12 @@ std::string converterName(int number)
 
 } // namespace
 
-void RtfCodePage::append(std::string& text, char32_t codePoint)
-{
-    char bytes[U8_MAX_LENGTH];
-    int length = 0;
-    U8_APPEND_UNSAFE(bytes, length, static_cast<UChar32>(codePoint));
-    text.append(bytes, static_cast<std::size_t>(length));
-}
-
 RtfCodePage::RtfCodePage(int number)
     : m_number(number)
 {
     if (number == symbols) { // Where Windows puts the signs of such fonts.
         for (char32_t byte = 0x80; byte < 0x100; ++byte)
-            append(m_high[byte - 0x80], 0xF000 + byte);
+            Base::appendUtf8(m_high[byte - 0x80], 0xF000 + byte);
         return;
     }
     UErrorCode status = U_ZERO_ERROR;
@@ -103,7 +96,15 @@ const RtfCodePage& RtfCodePages::operator[](int number)
     return *place->second;
 }
 
-int RtfCodePages::ofCharset(int charset, int document)
+const RtfCodePage& RtfCodePages::ofFont(int font)
+{
+    const auto page = m_fonts.find(font);
+    // Where the whole document is UTF-8, fonts keep their character sets out of habit.
+    const bool own = page != m_fonts.end() && m_document != RtfCodePage::utf8;
+    return (*this)[own ? page->second : m_document];
+}
+
+void RtfCodePages::setCharset(int charset)
 {
     static constexpr std::pair<int, int> pages[] { { 0, 1252 }, { 2, RtfCodePage::symbols }, { 77, 10000 },
         { 78, 932 }, { 79, 949 }, { 80, 936 }, { 81, 950 }, { 83, 10005 }, { 84, 10004 }, { 85, 10006 },
@@ -112,7 +113,7 @@ int RtfCodePages::ofCharset(int charset, int document)
         { 186, 1257 }, { 204, 1251 }, { 222, 874 }, { 238, 1250 }, { 254, 437 }, { 255, 850 } };
     const auto page = std::find_if(
         std::begin(pages), std::end(pages), [&](const auto& entry) { return entry.first == charset; });
-    return page == std::end(pages) ? document : page->second;
+    setPage(page == std::end(pages) ? m_document : page->second); // "Default" is that of the document.
 }
 
 } // namespace Tamberlin

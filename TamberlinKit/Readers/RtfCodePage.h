@@ -30,7 +30,6 @@ public:
     // In UTF-8: a single byte from 0x80 on, and a run of bytes.
     std::string_view character(unsigned char byte) const { return m_high[byte - 0x80u]; }
     std::string text(std::string_view bytes) const;
-    static void append(std::string& text, char32_t codePoint);
 
 private:
     int m_number;
@@ -38,14 +37,27 @@ private:
     std::array<std::string, 128> m_high;
 };
 
-// The code pages of one document. They are made when they are first asked for and stay where they are.
+// The code pages of one document and its fonts. They are made when they are first asked for and stay where
+// they are.
 class RtfCodePages {
 public:
-    const RtfCodePage& operator[](int number);
-    // The code page that a font's character set stands for; that of the document for "default".
-    static int ofCharset(int charset, int document);
+    void setDocument(int number) { m_document = number; }
+    void setDefaultFont(int font) { m_defaultFont = font; }
+    // The font table: names a font, and then its page by character set or by number.
+    void beginFont(int font) { m_begunFont = font; }
+    void setCharset(int charset);
+    void setPage(int number) { m_fonts[m_begunFont] = number; }
+
+    const RtfCodePage& ofDocument() { return (*this)[m_document]; }
+    const RtfCodePage& ofDefaultFont() { return ofFont(m_defaultFont); }
+    const RtfCodePage& ofFont(int font);
 
 private:
+    const RtfCodePage& operator[](int number);
+
+    int m_document = RtfCodePage::western;
+    int m_defaultFont = 0, m_begunFont = 0;
+    std::unordered_map<int, int> m_fonts; // Code pages of those that name one.
     std::map<std::string, std::unique_ptr<RtfCodePage>> m_pages; // By ICU's name, of which there are few.
     std::unordered_map<int, const RtfCodePage*> m_places;
 };

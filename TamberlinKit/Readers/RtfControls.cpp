@@ -41,7 +41,8 @@ constexpr Word words[] { { "tab", character, '\t' }, { "line", character, '\n' }
     { "dptxbxtext", container, part(Part::textBoxes) }, { "shpinst", transparent }, { "do", transparent },
     { "shppict", transparent }, { "moMath", transparent }, { "moMathPara", transparent },
 
-    { "sp", shapeProperty }, { "pict", picture }, { "object", object },
+    { "sp", shapeProperty }, { "sn", shapePropertyName }, { "sv", shapePropertyValue }, { "pict", picture },
+    { "object", object },
 
     { "fonttbl", fontTable }, { "f", font }, { "af", associatedFont }, { "ltrch", leftToRight },
     { "rtlch", rightToLeft }, { "fcharset", fontCharset }, { "cpg", fontCodePage }, { "deff", defaultFont },

@@ -15,6 +15,8 @@ struct RtfControl {
         transparent, // A destination that is gone through, although older readers may skip it.
         skipped, // A destination without text.
         shapeProperty,
+        shapePropertyName,
+        shapePropertyValue,
         picture,
         object,
         fontTable,

@@ -1,15 +1,11 @@
-#include "TamberlinKit/Readers/NotCounted.h"
 #include "TamberlinKit/Readers/Readers.h"
-#include "TamberlinKit/Readers/RtfCodePage.h"
-#include "TamberlinKit/Readers/RtfControls.h"
-#include "TamberlinKit/Readers/RtfText.h"
+#include "TamberlinKit/Readers/RtfParser.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <unordered_map>
 #include <utility>
 
 namespace Tamberlin {
@@ -43,68 +39,11 @@ constexpr auto isPlain = [] {
     return plain;
 }();
 
-class RtfParser {
-public:
-    RtfParser(std::string_view file, Extracted& extracted, const std::stop_token& cancel)
-        : m_rest(file)
-        , m_extracted(extracted)
-        , m_cancel(cancel)
-        , m_text(extracted.segments, m_now)
-    {
-    }
-
-    void run();
-
-private:
-    using State = RtfState;
-    using Destination = State::Destination;
-
-    void openGroup();
-    void closeGroup();
-    void controlSymbol();
-    void controlWord();
-    void apply(RtfControl control, std::int32_t parameter, bool hasParameter);
-    void enter(Destination destination)
-    {
-        m_text.flush();
-        m_now.destination = destination;
-    }
-    void openContainer(Part part);
-
-    void plainText();
-    void byte(unsigned char byte);
-
-    const RtfCodePage& pageOfFont(std::int32_t font);
-    void skipBinary(std::int32_t count);
-    char take()
-    {
-        const char next = m_rest.front();
-        m_rest.remove_prefix(1);
-        return next;
-    }
-
-    std::string_view m_rest;
-    Extracted& m_extracted;
-    const std::stop_token& m_cancel;
-    NotCounted m_notCounted;
-    RtfCodePages m_pages;
-    int m_documentPage = RtfCodePage::western;
-    std::unordered_map<std::int32_t, int> m_fontPages; // Code pages of the fonts that name one.
-    std::int32_t m_definedFont = 0; // Whose entry of the font table we are in.
-    std::int32_t m_defaultFont = 0;
-
-    State m_now;
-    RtfText m_text;
-    std::vector<State> m_outer;
-    std::size_t m_untracked = 0; // Open groups beyond the deepest.
-    bool m_starred = false; // The next control word may be skipped if it isn't known.
-    bool m_cutOff = false;
-    std::int32_t m_toSkip = 0; // Characters that stand in for a Unicode one.
-};
+} // namespace
 
 void RtfParser::run()
 {
-    m_now.page = m_now.associatedPage = &m_pages[m_documentPage];
+    m_now.page = m_now.associatedPage = &m_pages.ofDocument();
     m_text.enter(Part::body);
     std::size_t nextCheck = m_rest.size();
     while (!m_rest.empty()) {
@@ -124,7 +63,7 @@ void RtfParser::run()
         } else if (next == '}') {
             closeGroup();
             if (m_outer.empty())
-                break; // What stands behind the document isn't of it.
+                break;
         } else if (next == '\\') {
             controlSymbol();
         } else if (next == '\t') {
@@ -134,6 +73,9 @@ void RtfParser::run()
         }
     }
     m_text.flush();
+    // What stands behind the document isn't of it. There are writers who close one group too many.
+    if (m_rest.find("\\par") != m_rest.npos)
+        m_extracted.notes.emplace_back("Text behind the end of the document isn’t counted.");
     m_notCounted.tell(m_extracted.notes);
     if (!m_outer.empty() || m_cutOff)
         m_extracted.notes.push_back(fmt::format(
@@ -241,131 +183,6 @@ void RtfParser::controlWord()
     apply(control, static_cast<std::int32_t>(negative ? -parameter : parameter), hasParameter);
 }
 
-void RtfParser::apply(RtfControl control, std::int32_t parameter, bool hasParameter)
-{
-    using Action = RtfControl::Action;
-    const bool starred = std::exchange(m_starred, false);
-    const bool isOn = !hasParameter || parameter != 0;
-    const bool inText = m_now.destination == Destination::text;
-    switch (control.action) {
-    case Action::none:
-        if (starred)
-            enter(Destination::skipped);
-        return;
-    case Action::character:
-        return m_text.character(control.value);
-    case Action::paragraphEnd:
-        m_text.flush();
-        if (inText)
-            m_text.endParagraph();
-        return;
-    case Action::container:
-        if (inText)
-            openContainer(static_cast<Part>(control.value));
-        return;
-    case Action::transparent:
-        return;
-    case Action::skipped:
-        return enter(Destination::skipped);
-    case Action::shapeProperty:
-        if (inText)
-            enter(Destination::shapeProperty);
-        return;
-    case Action::picture:
-        m_notCounted.pictures
-            += (inText || m_now.destination == Destination::shapeProperty) && !m_now.inObject;
-        return enter(Destination::skipped);
-    case Action::object: // What is shown of it may be text, and counts.
-        m_notCounted.objects += inText;
-        m_now.inObject = true;
-        return;
-    case Action::fontTable:
-        return enter(Destination::fontTable);
-    case Action::font:
-        if (m_now.destination == Destination::fontTable) {
-            m_definedFont = parameter;
-            return;
-        }
-        m_text.flush();
-        m_now.page = &pageOfFont(parameter);
-        return;
-    case Action::associatedFont:
-        m_text.flush();
-        if (m_now.rightToLeft)
-            m_now.associatedPage = &pageOfFont(parameter);
-        return;
-    case Action::leftToRight:
-    case Action::rightToLeft:
-        m_text.flush();
-        m_now.rightToLeft = control.action == Action::rightToLeft;
-        return;
-    case Action::fontCharset:
-        if (m_now.destination == Destination::fontTable)
-            m_fontPages[m_definedFont] = RtfCodePages::ofCharset(parameter, m_documentPage);
-        return;
-    case Action::fontCodePage:
-        if (m_now.destination == Destination::fontTable)
-            m_fontPages[m_definedFont] = parameter;
-        return;
-    case Action::codePage:
-        m_text.flush();
-        m_documentPage = control.value != 0 ? control.value : parameter;
-        m_now.page = m_now.associatedPage = &m_pages[m_documentPage];
-        return;
-    case Action::defaultFont:
-        m_defaultFont = parameter;
-        return;
-    case Action::plain:
-        m_text.flush();
-        m_now.hidden = m_now.deleted = m_now.rightToLeft = false;
-        m_now.page = m_now.associatedPage = &pageOfFont(m_defaultFont);
-        return;
-    case Action::hidden:
-        m_text.flush();
-        m_now.hidden = isOn;
-        return;
-    case Action::deleted:
-        m_text.flush();
-        m_now.deleted = isOn;
-        return;
-    case Action::unicode:
-        m_toSkip = m_now.unicodeSkip;
-        return m_text.unicode(parameter);
-    case Action::unicodeSkip:
-        m_now.unicodeSkip = std::max(parameter, 0);
-        return;
-    case Action::binary:
-        return skipBinary(parameter);
-    case Action::bothEncodings:
-        m_now.bothEncodings = true;
-        return enter(Destination::skipped);
-    case Action::unicodeText:
-        if (m_outer.size() > 1 && m_outer.back().bothEncodings)
-            enter(m_outer[m_outer.size() - 2].destination);
-        return;
-    }
-}
-
-void RtfParser::openContainer(Part part)
-{
-    m_text.flush();
-    if (m_now.opened)
-        m_text.leave();
-    m_now.opened = true;
-    // A note or box is hidden with what it is anchored in.
-    const bool hides = m_now.hidden && (part == Part::footnotes || part == Part::textBoxes);
-    m_now.part = SegmentWriter::nested(m_now.part, hides ? Part::hidden : part);
-    m_text.enter(m_now.part);
-}
-
-const RtfCodePage& RtfParser::pageOfFont(std::int32_t font)
-{
-    const auto page = m_fontPages.find(font);
-    // Where the whole document is UTF-8, fonts keep their character sets out of habit.
-    const bool own = page != m_fontPages.end() && m_documentPage != RtfCodePage::utf8;
-    return m_pages[own ? page->second : m_documentPage];
-}
-
 void RtfParser::skipBinary(std::int32_t count)
 {
     const auto length = static_cast<std::size_t>(std::max(count, 0));
@@ -385,7 +202,10 @@ void RtfParser::plainText()
     std::size_t length = 1;
     while (length < m_rest.size() && isPlain[static_cast<unsigned char>(m_rest[length])])
         ++length;
-    m_text.put(m_rest.substr(0, length));
+    const auto run = m_rest.substr(0, length);
+    if (m_now.destination == Destination::shapePropertyName)
+        m_isWordArt = run == "gtextUNICODE"; // Its value is the text that is shown as a picture.
+    m_text.put(run);
     m_rest.remove_prefix(length);
 }
 
@@ -396,8 +216,6 @@ void RtfParser::byte(unsigned char byte)
     else
         m_text.byte(byte);
 }
-
-} // namespace
 
 Extracted readRtf(std::string_view file, std::string name, const std::stop_token& cancel)
 {

@@ -1,5 +1,7 @@
 #include "TamberlinKit/Readers/RtfText.h"
 
+#include "Base/Text.h"
+
 #include <utility>
 
 namespace Tamberlin {
@@ -29,7 +31,7 @@ void RtfText::byte(unsigned char byte)
 void RtfText::character(char32_t codePoint)
 {
     std::string text;
-    RtfCodePage::append(text, codePoint);
+    Base::appendUtf8(text, codePoint);
     put(text);
 }
 

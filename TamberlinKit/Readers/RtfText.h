@@ -12,7 +12,7 @@ namespace Tamberlin {
 
 // What a group of RTF inherits from the one that it stands in.
 struct RtfState {
-    enum class Destination : std::uint8_t { text, skipped, shapeProperty, fontTable };
+    enum class Destination : std::uint8_t { text, skipped, shapeProperty, shapePropertyName, fontTable };
     Destination destination = Destination::text;
     Part part = Part::body;
     bool opened = false; // The group is a container of its own.

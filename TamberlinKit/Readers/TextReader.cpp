@@ -21,6 +21,18 @@ std::size_t width(std::string_view text)
         std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
+// The width of the widest line, or 0 where the lines are too narrow or too wide to be wrapped text.
+std::size_t widthOfWrapped(const std::vector<std::string_view>& lines)
+{
+    std::size_t whole = 0;
+    for (const auto line : lines) {
+        whole = std::max(whole, width(line));
+        if (whole > widest)
+            return 0;
+    }
+    return whole >= narrowest ? whole : 0;
+}
+
 std::string_view joined(std::string_view first, std::string_view last)
 {
     return { first.data(), static_cast<std::size_t>(last.data() + last.size() - first.data()) };
@@ -59,14 +71,11 @@ void addParagraph(std::vector<Segment>& segments, const std::vector<std::string_
 {
     const auto add = [&](std::string_view text) {
         if (!Base::trimmedOfMarks(text).empty())
-            segments.push_back({ .text = std::string(text) });
+            segments.push_back({ .text = SegmentText::standing(text) });
     };
-    std::size_t whole = 0;
-    for (const auto line : lines)
-        whole = std::max(whole, width(line));
-    const bool mayBeWrapped = whole >= narrowest && whole <= widest;
+    const auto whole = lines.size() > 1 ? widthOfWrapped(lines) : 0;
     for (std::size_t first = 0, last = 0; first < lines.size(); first = ++last) {
-        while (mayBeWrapped && last + 1 < lines.size()) {
+        while (whole > 0 && last + 1 < lines.size()) {
             const auto next = withoutBlanks(lines[last + 1]);
             const auto word = width(next.substr(0, next.find(' ')));
             if (word > longestWord || width(lines[last]) + 1 + word <= whole)
@@ -84,6 +93,7 @@ Extracted readText(std::string_view file, std::string name, const std::stop_toke
     if (isMarkdown(extracted.name)) {
         readMarkdown(decoded.text(), extracted.segments, cancel);
     } else {
+        extracted.source.kept = decoded.converted;
         Lines lines(decoded.text());
         std::vector<std::string_view> paragraph;
         std::size_t nextCheck = 0;

@@ -100,6 +100,7 @@ Extracted readXlsx(std::string_view file, std::string name, const std::stop_toke
     SharedStrings strings;
     if (const auto paths = package.related(workbook, "sharedStrings"); !paths.empty())
         addNote(extracted, strings.read(package, paths.front()));
+    extracted.source.kept = strings.kept();
 
     DrawingReader drawings(package, extracted);
     WorkbookCounts counts;
@@ -111,18 +112,18 @@ Extracted readXlsx(std::string_view file, std::string name, const std::stop_toke
             addNote(
                 extracted, fmt::format("Part of {} couldn’t be read ({} is missing).", extracted.name, path));
         SheetText text(extracted.segments, counts, strings, isHidden, extracted.name);
-        addNote(extracted, package.scan(path, text.scan()));
+        OneBranch branches;
+        addNote(extracted, package.scan(path, branches.scan(text)));
         const auto shapes = isHidden ? Part::hidden : Part::textBoxes;
         for (const auto& drawing : package.related(path, "drawing"))
-            drawings.read(drawing, { .text = shapes, .margins = std::nullopt, .graphics = shapes });
+            drawings.read(drawing, { .text = shapes, .graphics = shapes });
         const auto threads = package.related(path, "threadedComment");
         for (const auto& comments : package.related(path, "comments")) {
             if (seen.insert(comments).second)
                 readComments(package, comments, !threads.empty(), extracted);
         }
         for (const auto& comments : threads)
-            drawings.read(
-                comments, { .text = Part::comments, .margins = std::nullopt, .graphics = Part::comments });
+            drawings.read(comments, { .text = Part::comments, .graphics = Part::comments });
     }
     if (counts.otherCells > 0)
         addNote(extracted,
@@ -130,7 +131,7 @@ Extracted readXlsx(std::string_view file, std::string name, const std::stop_toke
                 ? "1 cell with a number, date, truth value or error isn’t counted."
                 : fmt::format("{} cells with numbers, dates, truth values or errors aren’t counted.",
                     counts.otherCells));
-    drawings.addNotes(counts.objects, false);
+    drawings.addNotes({ .objects = counts.objects }, true);
     return extracted;
 }
 

@@ -1,5 +1,6 @@
 #include "TamberlinKit/Readers/XlsxSheet.h"
 
+#include "TamberlinKit/Readers/OfficeMarkup.h"
 #include "TamberlinKit/Text/ReadError.h"
 
 #include <fmt/format.h>
@@ -87,27 +88,6 @@ SheetText::SheetText(std::vector<Segment>& segments, WorkbookCounts& counts, con
 {
 }
 
-XMLScan SheetText::scan()
-{
-    return {
-        .onStart =
-            [this](std::string_view element, const XMLScan::Attributes& attributes) {
-                if (m_branches.start(element))
-                    start(element, attributes);
-            },
-        .onEnd =
-            [this](std::string_view element) {
-                if (m_branches.end(element))
-                    end(element);
-            },
-        .onText =
-            [this](std::string_view text) {
-                if (m_isOpen && !m_branches.isSkipping())
-                    m_text += text;
-            },
-    };
-}
-
 void SheetText::start(std::string_view element, const XMLScan::Attributes& attributes)
 {
     if (element == "c") {
@@ -187,7 +167,11 @@ void SheetText::endCell()
                 fmt::format("“{}” has more than 300 MB of text, which no workbook needs.", m_workbook));
         const bool isHidden
             = m_isHidden || m_isRowHidden || (m_column < m_hiddenColumns.size() && m_hiddenColumns[m_column]);
-        addSegment(m_segments, text, isHidden ? Part::hidden : Part::body);
+        const auto part = isHidden ? Part::hidden : Part::body;
+        if (m_cell == Cell::shared) // Its bytes may be far away and aren't looked at yet.
+            m_segments.push_back({ SegmentText::standing(text), part });
+        else
+            addSegment(m_segments, text, part);
     }
     m_cell = Cell::none;
     m_isOpen = false;

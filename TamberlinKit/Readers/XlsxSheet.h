@@ -1,8 +1,8 @@
 #pragma once
 
 #include "TamberlinKit/Markup/XMLScan.h"
-#include "TamberlinKit/Readers/OfficeMarkup.h"
 #include "TamberlinKit/Readers/XlsxStrings.h"
+#include "TamberlinKit/Text/Extracted.h"
 
 #include <array>
 #include <cstdint>
@@ -29,15 +29,19 @@ public:
     SheetText(std::vector<Segment>& segments, WorkbookCounts& counts, const SharedStrings& strings,
         bool isHidden, std::string_view workbook);
 
-    XMLScan scan(); // Calls back here; keep this object where it is while it is used.
+    void start(std::string_view element, const XMLScan::Attributes& attributes);
+    void end(std::string_view element);
+    void text(std::string_view text)
+    {
+        if (m_isOpen)
+            m_text += text;
+    }
 
 private:
     enum class Cell { none, number, shared, text, inlined };
 
-    void start(std::string_view element, const XMLScan::Attributes& attributes);
     void startCell(const XMLScan::Attributes& attributes);
     void hideColumns(const XMLScan::Attributes& attributes);
-    void end(std::string_view element);
     void endCell();
     void endHeader(std::string_view element);
 
@@ -46,7 +50,6 @@ private:
     const SharedStrings& m_strings;
     bool m_isHidden;
     std::string_view m_workbook; // The name for the user.
-    OneBranch m_branches;
     RunText m_run;
     std::vector<bool> m_hiddenColumns; // As far as any is hidden.
     std::size_t m_column = 0;

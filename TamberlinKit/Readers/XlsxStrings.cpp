@@ -9,6 +9,7 @@ namespace Tamberlin {
 std::optional<std::string> SharedStrings::read(const Package& package, std::string_view path)
 {
     RunText run;
+    std::string text;
     return package.scan(path,
         {
             .onStart = [&](std::string_view element, const XMLScan::Attributes&) { run.start(element); },
@@ -17,13 +18,16 @@ std::optional<std::string> SharedStrings::read(const Package& package, std::stri
                     run.end(element);
                     if (element != "si")
                         return;
-                    decodeEscapes(m_texts, m_ends.empty() ? 0 : m_ends.back());
-                    m_ends.push_back(static_cast<std::uint32_t>(m_texts.size()));
+                    decodeEscapes(text);
+                    if (hasText(text))
+                        m_texts->insert(m_texts->end(), text.begin(), text.end());
+                    text.clear();
+                    m_ends.push_back(static_cast<std::uint32_t>(m_texts->size()));
                 },
             .onText =
-                [&](std::string_view text) {
+                [&](std::string_view piece) {
                     if (run.isOpen())
-                        m_texts += text;
+                        text += piece;
                 },
         });
 }
@@ -35,7 +39,7 @@ std::optional<std::string_view> SharedStrings::find(std::string_view number) con
     if (error != std::errc() || index >= m_ends.size())
         return std::nullopt;
     const auto begin = index == 0 ? 0 : m_ends[index - 1];
-    return std::string_view(m_texts).substr(begin, m_ends[index] - begin);
+    return std::string_view(m_texts->data() + begin, m_ends[index] - begin);
 }
 
 } // namespace Tamberlin

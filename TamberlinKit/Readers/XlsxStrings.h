@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Base/LargePages.h"
 #include "TamberlinKit/Markup/Package.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,11 +18,15 @@ public:
     // Gives the note for the user when the part is malformed.
     std::optional<std::string> read(const Package& package, std::string_view path);
 
-    // The text with the number that a cell gives; nothing when there is none.
+    // The text with the number that a cell gives; nothing when there is none. One of blanks is empty.
     std::optional<std::string_view> find(std::string_view number) const;
+    // What the texts stand in.
+    std::shared_ptr<const void> kept() const { return m_texts; }
 
 private:
-    std::string m_texts; // One behind the other.
+    using Texts = Base::LargeVector<char>;
+
+    std::shared_ptr<Texts> m_texts = std::make_shared<Texts>(); // One behind the other.
     std::vector<std::uint32_t> m_ends; // A part is smaller than 4 GB, and so is its text.
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -17,13 +18,18 @@ struct Sequence {
     bool isValid;
 };
 
+unsigned byteAt(std::string_view bytes, std::size_t at)
+{
+    return at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0U;
+}
+
+bool isContinuation(char c) { return (c & 0xC0) == 0x80; }
+
 // One sequence of UTF-8 that doesn't begin with an ASCII byte (Unicode, table 3-7); of an invalid one as much
 // as could begin a valid one.
-Sequence sequence(std::string_view bytes)
+Sequence sequenceAt(std::string_view bytes, std::size_t at)
 {
-    const auto byte
-        = [&](std::size_t at) { return at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0U; };
-    const auto first = byte(0), second = byte(1);
+    const auto first = byteAt(bytes, at), second = byteAt(bytes, at + 1);
     if (first < 0xC2 || first > 0xF4)
         return { 1, false };
     const auto least = first == 0xE0 ? 0xA0U : first == 0xF0 ? 0x90U : 0x80U;
@@ -31,11 +37,47 @@ Sequence sequence(std::string_view bytes)
     if (second < least || second > most)
         return { 1, false };
     const std::size_t length = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    for (std::size_t at = 2; at < length; ++at) {
-        if ((byte(at) & 0xC0) != 0x80)
-            return { at, false };
+    for (std::size_t place = 2; place < length; ++place) {
+        if ((byteAt(bytes, at + place) & 0xC0) != 0x80)
+            return { place, false };
     }
     return { length, true };
+}
+
+// Passes the usual sequences that stand at `at`, of which texts of other scripts mostly consist, on the
+// shortest way; gives how many those were.
+std::size_t passUsualSequences(std::string_view bytes, std::size_t& at)
+{
+    std::size_t count = 0;
+    for (; bytes.size() - at >= 3; ++count) {
+        const auto* const next = bytes.data() + at;
+        const auto first = static_cast<unsigned char>(next[0]);
+        if (first > 0xE0 && first < 0xED && isContinuation(next[1]) && isContinuation(next[2]))
+            at += 3;
+        else if (first >= 0xC2 && first < 0xE0 && isContinuation(next[1]))
+            at += 2;
+        else
+            break;
+    }
+    return count;
+}
+
+// Where the next byte above ASCII stands.
+std::size_t endOfAscii(std::string_view bytes, std::size_t at)
+{
+    std::uint64_t word;
+    for (; bytes.size() - at >= sizeof word; at += sizeof word) {
+        std::memcpy(&word, bytes.data() + at, sizeof word);
+        word &= 0x8080'8080'8080'8080;
+        if (word != 0) {
+            const bool isLittle = std::endian::native == std::endian::little;
+            return at
+                + static_cast<std::size_t>(isLittle ? std::countr_zero(word) : std::countl_zero(word)) / 8;
+        }
+    }
+    while (at < bytes.size() && (bytes[at] & 0x80) == 0)
+        ++at;
+    return at;
 }
 
 } // namespace
@@ -43,24 +85,18 @@ Sequence sequence(std::string_view bytes)
 Utf8Check checkUtf8(std::string_view bytes)
 {
     Utf8Check check;
-    const auto* const data = bytes.data();
-    for (std::size_t at = 0; at < bytes.size();) {
-        if (bytes.size() - at >= 8) {
-            std::uint64_t eight;
-            std::memcpy(&eight, data + at, 8);
-            if ((eight & 0x8080'8080'8080'8080) == 0) {
-                at += 8;
-                continue;
-            }
+    auto at = endOfAscii(bytes, 0);
+    if (at < bytes.size())
+        check.firstHigh = at;
+    while (at < bytes.size()) {
+        check.valid += passUsualSequences(bytes, at);
+        if (byteAt(bytes, at) >= 0x80) {
+            const auto [length, isValid] = sequenceAt(bytes, at);
+            ++(isValid ? check.valid : check.invalid);
+            at += length;
+        } else {
+            at = endOfAscii(bytes, at);
         }
-        if (static_cast<unsigned char>(data[at]) < 0x80) {
-            ++at;
-            continue;
-        }
-        check.firstHigh = std::min(check.firstHigh, at);
-        const auto [length, isValid] = sequence(bytes.substr(at, 4));
-        ++(isValid ? check.valid : check.invalid);
-        at += length;
     }
     return check;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,23 +18,24 @@ public:
     }
     DecodedText(std::string&& text, std::string from)
         : encoding(std::move(from))
-        , m_converted(std::move(text))
+        , converted(std::make_shared<const std::string>(std::move(text)))
+        , m_text(*converted)
     {
     }
 
-    // Valid UTF-8, without a byte order mark.
-    std::string_view text() const { return m_converted ? std::string_view(*m_converted) : m_text; }
+    // Valid UTF-8, without a byte order mark. Stands in the file's bytes or in `converted`.
+    std::string_view text() const { return m_text; }
 
     std::string encoding; // "UTF-8", "windows-1252", …
     bool isGuessed = false; // Nothing said so, and it isn't UTF-8.
     std::size_t replaced = 0; // Bytes or sequences that stand for no character and became U+FFFD.
+    std::shared_ptr<const std::string> converted; // Nothing where the file's own bytes are the text.
 
     // The sentence for the user when something was in doubt.
     std::optional<std::string> note() const;
 
 private:
     std::string_view m_text;
-    std::optional<std::string> m_converted;
 };
 
 // Decodes text: by its byte order mark, else as the encoding that the file is said to have (a name of IANA or

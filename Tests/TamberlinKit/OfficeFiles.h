@@ -38,7 +38,7 @@ inline std::vector<std::string> lines(const Tamberlin::Extracted& extracted)
 {
     std::vector<std::string> lines;
     for (const auto& [text, part] : extracted.segments)
-        lines.push_back(std::string(caseNames(part).at(static_cast<std::size_t>(part))) + ": " + text);
+        lines.push_back(std::string(caseNames(part).at(static_cast<std::size_t>(part))) + ": " + std::string(text.view()));
     return lines;
 }
 

@@ -18,7 +18,7 @@ std::string html(std::string_view page, const std::string& name = "a.html")
     std::string all;
     for (const auto& [text, part] : readHtml(page, name, {}).segments) {
         all += all.empty() ? "" : " ";
-        all += (part == Part::hidden ? "hidden[" : "[") + text + "]";
+        all += std::string(part == Part::hidden ? "hidden[" : "[").append(text.view()) + "]";
     }
     std::replace(all.begin(), all.end(), '\n', '/');
     return all;

@@ -67,8 +67,9 @@ TEST(PptxReader, slidesComeAsTheyAreShownEachWithItsNotesAndComments)
                     + "</q:txBody></q:reply></q:replyLst><q:txBody>" + paragraph("Really?")
                     + "</q:txBody></q:cm></q:cmLst>" } });
     EXPECT_EQ(lines(extracted),
-        Lines({ "body: Three", "slideNotes: Say this.", "comments: Too long?", "comments: No.",
-            "comments: Really?", "body: One", "hidden: Two", "hidden: Say this." }));
+        Lines({ "body: Three", "slideNotes: Say this.", "headersFooters: Firm", "comments: Too long?",
+            "comments: No.", "comments: Really?", "body: One", "hidden: Two", "hidden: Say this.",
+            "hidden: Firm" }));
     EXPECT_EQ(extracted.pages, 3);
     EXPECT_EQ(extracted.notes, Lines());
     EXPECT_EQ(extracted.format, FileFormat::pptx);
@@ -139,7 +140,9 @@ TEST(PptxReader, diagramsAndChartsAreReadWhereTheyStandAndOnce)
         + Files { relationships("ppt/slides/s1.xml",
                       { { "chart", "../c.xml" }, { "diagramData", "../d.xml" }, { "chartEx", "../x.xml" } }),
             relationships("ppt/c.xml", { { "chartUserShapes", "u.xml" } }),
-            { "ppt/c.xml", "<c:chartSpace>" + title + series + "</c:chartSpace>" },
+            { "ppt/c.xml",
+                "<c:chartSpace>" + title + series + "<c15:filteredSeriesTitle>" + title
+                    + "</c15:filteredSeriesTitle></c:chartSpace>" },
             { "ppt/u.xml", "<c:userShapes><cdr:sp>" + paragraph("note") + "</cdr:sp></c:userShapes>" },
             { "ppt/d.xml",
                 "<dgm:dataModel><dgm:pt><dgm:t>" + paragraph("node") + "</dgm:t></dgm:pt></dgm:dataModel>" },

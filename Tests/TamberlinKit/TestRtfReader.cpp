@@ -70,10 +70,12 @@ TEST(RtfReader, partsDontTearTheirParagraph)
             "\\ftnalt e}re{\\*\\atnid no}{\\*\\atnauthor no}\\chatn{\\*\\annotation{\\*\\atndate "
             "1}c}{\\shp{\\*\\shpinst"
             "{\\sp{\\sn no}{\\sv no}}{\\shptxt \\pard box\\par two}}{\\shprslt{\\*\\do{\\dptxbxtext no}}}}"
-            "{\\*\\do\\dobxpage{\\dptxbxtext old}} after\\par"),
+            "{\\*\\do\\dobxpage{\\dptxbxtext old}} after"
+            "{\\shp{\\*\\shpinst{\\sp{\\sn gtextUNICODE}{\\sv Word\\u322 ?}}{\\sp{\\sn gtextFont}{\\sv "
+            "no}}}}\\par"),
         (Lines { "headersFooters: h", "textBoxes: hb", "headersFooters: f", "body: before after",
             "footnotes: n", "footnotes: m", "footnotes: e", "comments: c", "textBoxes: box", "textBoxes: two",
-            "textBoxes: old" }));
+            "textBoxes: old", "textBoxes: Wordł" }));
 }
 
 TEST(RtfReader, onlyTextIsText)
@@ -115,6 +117,9 @@ TEST(RtfReader, whatIsCutOffIsNoted)
         EXPECT_EQ(read(file).notes, note) << file;
     }
     EXPECT_EQ(read("\xEF\xBB\xBF\r\n{\\rtf1 a}}}{\\pict}").notes, Notes {});
+    const auto closedEarly = read("{\\rtf1 a}} b\\par c}");
+    EXPECT_EQ(lines(closedEarly), Lines { "body: a" });
+    EXPECT_EQ(closedEarly.notes, Notes { "Text behind the end of the document isn’t counted." });
 }
 
 TEST(RtfReader, depthIsNoMatter)

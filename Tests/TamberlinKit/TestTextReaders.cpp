@@ -18,7 +18,7 @@ std::string shown(const Extracted& extracted)
         all += all.empty() ? "" : " ";
         if (part != Part::body)
             all += caseNames(part)[static_cast<std::size_t>(part)];
-        all += "[" + text + "]";
+        all.append("[").append(text.view()).append("]");
     }
     std::replace(all.begin(), all.end(), '\n', '/');
     return all;
