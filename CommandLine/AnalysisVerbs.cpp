@@ -44,6 +44,15 @@ struct FailedReport {
     static constexpr auto fields() { return std::tuple { Base::field("failed", &FailedReport::failed) }; }
 };
 
+struct MappingNeeded {
+    NeedsMapping needsMapping;
+
+    static constexpr auto fields()
+    {
+        return std::tuple { Base::field("needsMapping", &MappingNeeded::needsMapping) };
+    }
+};
+
 std::string countText(std::optional<std::int64_t> count) { return count ? std::to_string(*count) : "–"; }
 
 std::string bandTable(const Analysis& analysis)
@@ -88,40 +97,92 @@ std::string analysisText(const Analysis& analysis)
     return text + "\n";
 }
 
-AnalysisReport report(const Analysis& analysis)
+AnalysisReport report(Analysis&& analysis)
 {
-    AnalysisReport report { analysis, {} };
-    for (const auto& check : analysis.mismatches())
+    AnalysisReport report { std::move(analysis), {} };
+    for (const auto& check : report.analysis.mismatches())
         report.mismatches.push_back({ check.file.value_or("report"), check.bandWords, check.statedWords });
     return report;
 }
 
-void readAnalysis(Command& command, const std::string& file, const std::string& job)
+// What is guessed of each column, and of each label where the bands stand below each other.
+std::string guessText(const ColumnMapping& guess)
 {
-    const auto fail = [&](const std::string& message) {
-        if (command.json)
-            Command::put(Base::toJson(FailedReport { message }));
-        throw Refusal(message);
+    const auto meaning = [](ColumnRole role, std::optional<MatchBand> band) {
+        return band ? fmt::format("{}: {}", Base::caseName(role), label(*band))
+                    : std::string(Base::caseName(role));
     };
-    std::string bytes;
+    Table columns({ { "Column" }, { "Guess" }, { "Metric" } });
+    for (const auto& column : guess.columns)
+        columns.add({ column.heading, meaning(column.role, column.band),
+            std::string(column.metric ? Base::caseName(*column.metric) : "") });
+    auto text = columns.text();
+    if (!guess.labels.empty()) {
+        Table labels({ { "Label" }, { "Guess" } });
+        for (const auto& mapped : guess.labels)
+            labels.add({ mapped.label, meaning(mapped.role, mapped.band) });
+        text += "\n" + labels.text();
+    }
+    return text;
+}
+
+struct AnalysisOptions {
+    std::string file, job, mapping;
+    bool isGuess = false;
+};
+
+ImportResult imported(const std::string& bytes, const std::string& name, const AnalysisOptions& options)
+{
+    const auto now = Base::Instant::now();
+    if (options.mapping.empty())
+        return Importer::import(bytes, name, now);
     try {
-        bytes = Importer::load(file);
+        const auto mapping = Base::fromJson<ColumnMapping>(Importer::load(options.mapping), {});
+        return Importer::importMapped(bytes, name, mapping, now);
+    } catch (const Base::DecodingError& error) {
+        throw ImportError(fmt::format(
+            "“{}” isn’t a mapping of columns: {}", Importer::displayName(options.mapping), error.what()));
+    }
+}
+
+void askForMapping(const Command& command, const NeedsMapping& needed, const AnalysisOptions& options)
+{
+    if (!options.job.empty())
+        throw Refusal(needed.reason);
+    command.print(MappingNeeded { needed },
+        fmt::format("{}\n\n{}\nSave the guess with --guess, correct it, and read the file with --map.\n",
+            printable(needed.reason), guessText(needed.table.guess)));
+}
+
+void readAnalysis(Command& command, const AnalysisOptions& options)
+{
+    const auto name = Importer::displayName(options.file);
+    try {
+        const auto bytes = Importer::load(options.file);
+        if (options.isGuess)
+            return Command::put(Base::toJson(Importer::guess(bytes, name).guess));
+        auto result = imported(bytes, name, options);
+        if (const auto* const failed = std::get_if<ImportFailed>(&result))
+            throw ImportError(failed->message);
+        if (const auto* const needed = std::get_if<NeedsMapping>(&result))
+            return askForMapping(command, *needed, options);
+        auto analysis = std::get<Analysis>(std::move(result));
+        if (!options.job.empty()) {
+            auto session = command.writing();
+            const auto id = findJob(session.library(), options.job).id;
+            session.attachAnalysis(id, analysis, bytes, name);
+            Command::tell(session);
+            analysis = session.library().job(id)->analyses.back();
+        }
+        if (command.json)
+            Command::put(Base::toJson(report(std::move(analysis))));
+        else
+            Command::put(analysisText(analysis));
     } catch (const ImportError& error) {
-        fail(error.what());
+        if (command.json)
+            Command::put(Base::toJson(FailedReport { error.what() }));
+        throw Refusal(error.what());
     }
-    const auto name = Importer::displayName(file);
-    const auto result = Importer::import(bytes, name, Base::Instant::now());
-    if (const auto* const failed = std::get_if<ImportFailed>(&result))
-        fail(failed->message);
-    auto analysis = std::get<Analysis>(result);
-    if (!job.empty()) {
-        auto session = command.writing();
-        const auto id = findJob(session.library(), job).id;
-        session.attachAnalysis(id, analysis, bytes, name);
-        Command::tell(session);
-        analysis = session.library().job(id)->analyses.back();
-    }
-    command.print(report(analysis), analysisText(analysis));
 }
 
 } // namespace
@@ -129,10 +190,16 @@ void readAnalysis(Command& command, const std::string& file, const std::string& 
 void addAnalysisVerbs(CLI::App& app, Command& command)
 {
     auto* const analysis = app.add_subcommand("analysis", "Read the analysis report of a CAT tool");
-    const auto file = std::make_shared<std::string>(), job = std::make_shared<std::string>();
-    analysis->add_option("FILE", *file, "The report")->required();
-    analysis->add_option("--attach", *job, "Keep it, with a copy of the report, with this job");
-    analysis->callback([&command, file, job] { readAnalysis(command, *file, *job); });
+    const auto options = std::make_shared<AnalysisOptions>();
+    analysis->add_option("FILE", options->file, "The report")->required();
+    auto* const attach
+        = analysis->add_option("--attach", options->job, "Keep it, with a copy of the report, with this job");
+    auto* const map = analysis->add_option(
+        "--map", options->mapping, "Read a table whose columns this file (JSON, as --guess prints it) tells");
+    analysis->add_flag("--guess", options->isGuess, "Print a guess at the table’s columns, for --map")
+        ->excludes(attach)
+        ->excludes(map);
+    analysis->callback([&command, options] { readAnalysis(command, *options); });
 }
 
 } // namespace Pallisande::CommandLine

@@ -2,6 +2,9 @@
 
 #include "Base/DurableFile.h"
 #include "Base/Text.h"
+#include "PallisandeKit/Analyses/MemoQReport.h"
+#include "PallisandeKit/Analyses/PhraseJSON.h"
+#include "PallisandeKit/Analyses/PhraseReport.h"
 #include "PallisandeKit/Analyses/TradosXML.h"
 
 #include <fmt/format.h>
@@ -19,16 +22,23 @@ bool isOneOf(std::string_view extension, std::initializer_list<std::string_view>
     return std::find(list.begin(), list.end(), extension) != list.end();
 }
 
-// Readers for the kinds of files that this version knows but can't read yet stand in for these.
-[[noreturn]] void refuseUnreadKind(const std::string& name, std::string_view kind)
+// A table is a report of a tool that is known, or the user is asked.
+ImportResult readTable(std::string_view data, const std::string& name, Base::Instant now)
 {
-    throw ImportError(fmt::format(
-        "“{}” is a {} report, which this version can’t read yet; it reads the XML of Trados Studio.", name,
-        kind));
+    const DelimitedTable table(data);
+    if (PhraseReport::recognizes(table))
+        return PhraseReport::read(table, name, now);
+    if (MemoQReport::recognizes(table))
+        return MemoQReport::read(table, name, now);
+    return NeedsMapping { guessMapping(table, name),
+        fmt::format(
+            "The columns of “{}” aren’t those of a report that Pallisande knows. Say what each of them "
+            "holds.",
+            name) };
 }
 
 // By extension first, so that a spreadsheet or PDF is refused whatever its first bytes look like.
-Analysis read(std::string_view data, const std::string& name, Base::Instant now)
+ImportResult read(std::string_view data, const std::string& name, Base::Instant now)
 {
     const auto extension = Base::asciiLowered(
         std::filesystem::path(name).extension().string()); // With its full stop, or empty.
@@ -51,8 +61,8 @@ Analysis read(std::string_view data, const std::string& name, Base::Instant now)
     if (isOneOf(extension, { ".xml", ".sdlxml" }) || head.starts_with('<'))
         return TradosXML::read(data, name, now);
     if (extension == ".json" || head.starts_with('{') || head.starts_with('['))
-        refuseUnreadKind(name, "JSON");
-    refuseUnreadKind(name, "CSV");
+        return PhraseJSON::read(data, name, now);
+    return readTable(data, name, now);
 }
 
 } // namespace
@@ -81,6 +91,21 @@ ImportResult import(std::string_view data, const std::string& fileName, Base::In
 {
     try {
         return read(data, fileName, now);
+    } catch (const ImportError& error) {
+        return ImportFailed { error.what() };
+    }
+}
+
+MappingTable guess(std::string_view data, const std::string& fileName)
+{
+    return guessMapping(DelimitedTable(data), fileName);
+}
+
+ImportResult importMapped(
+    std::string_view data, const std::string& fileName, const ColumnMapping& mapping, Base::Instant now)
+{
+    try {
+        return readMapped(DelimitedTable(data), mapping, fileName, now);
     } catch (const ImportError& error) {
         return ImportFailed { error.what() };
     }

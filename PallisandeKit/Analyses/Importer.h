@@ -19,6 +19,13 @@ std::string load(const std::filesystem::path& file);
 // in the file: every failure is an ImportFailed.
 ImportResult import(std::string_view data, const std::string& fileName, Base::Instant now);
 
+// Any table of text, also of a report that is known: a guess at its columns, or ImportError when it holds
+// none.
+MappingTable guess(std::string_view data, const std::string& fileName);
+// Reads a table as the user mapped it.
+ImportResult importMapped(
+    std::string_view data, const std::string& fileName, const ColumnMapping& mapping, Base::Instant now);
+
 // A file's name as it is shown.
 std::string displayName(const std::filesystem::path& file);
 

@@ -22,6 +22,8 @@ std::string outcome(const std::string& name, std::string_view data)
     const auto result = Importer::import(data, name, moment().now);
     if (const auto* failed = std::get_if<ImportFailed>(&result))
         return failed->message;
+    if (const auto* needed = std::get_if<NeedsMapping>(&result))
+        return needed->reason;
     return "read " + std::get<Analysis>(result).name;
 }
 
@@ -46,10 +48,18 @@ TEST(Importer, goesByTheExtensionAndThenByTheHead)
               "Phrase "
               "export it as CSV.";
     };
-    const auto unread = [](const std::string& name, const std::string& kind) {
-        return "“" + name + "” is a " + kind
-            + " report, which this version can’t read yet; it reads the XML of Trados Studio.";
+    const auto noTable = [](const std::string& name) {
+        return "“" + name + "” is no analysis report that Pallisande knows, and no table of counts.";
     };
+    const auto noPhrase = [](const std::string& name) {
+        return "“" + name
+            + "” isn’t a Phrase analysis (no “analyseLanguageParts”). In Phrase, open the analysis and "
+              "download "
+              "it as JSON or CSV.";
+    };
+    const std::string memoQ = ";;101%;;Total;\nFile;Char/Word;Segments;Words;Segments;Words\na;5;1;2;1;2\n";
+    const std::string phrase = ";;;100%;;Total;\nFile;Tagging "
+                               "Errors;Chars/Word;Segments;Words;Segments;Words\na | en>de;0;5;1;2;1;2\n";
     const std::string pdf
         = "A PDF report can’t be imported. Export the analysis as XML (Trados), CSV (memoQ, Phrase) "
           "or JSON (Phrase).";
@@ -76,16 +86,24 @@ TEST(Importer, goesByTheExtensionAndThenByTheHead)
         { "report", "\n\t " + report, "read report" },
         { ".xml", report, "read .xml" },
         { "a.json", report, "read a.json" },
-        { "a.json", "File;Words", unread("a.json", "JSON") },
-        { "a.txt", "  [1]", unread("a.txt", "JSON") },
-        { "a", "\xEF\xBB\xBF{", unread("a", "JSON") },
-        { "a.csv", "File;Words", unread("a.csv", "CSV") },
+        { "a.json", "File;New\na;1",
+            "“a.json” couldn’t be read as a Phrase analysis: Not readable as JSON (syntax error at "
+            "byte 0)." },
+        { "a.txt", "  [1]", noPhrase("a.txt") },
+        { "a", "\xEF\xBB\xBF{}", noPhrase("a") },
+        { "a.JSON", "{\"analyseLanguageParts\": []}", "“a.JSON” has no files in its analysis." },
+        { "a.csv", "File;Words", noTable("a.csv") },
+        { "a.csv", "File;New\na;1",
+            "The columns of “a.csv” aren’t those of a report that Pallisande knows. Say what each "
+            "of them holds." },
+        { "a.csv", memoQ, "read a.csv" },
+        { "a.csv", phrase, "read a.csv" },
         { "a.csv", report, "read a.csv" },
-        { "a", "", unread("a", "CSV") },
+        { "a", "", noTable("a") },
         { "a.txt", std::string(600, ' ') + report,
-            unread("a.txt", "CSV") }, // Only the first 600 bytes are looked at.
+            noTable("a.txt") }, // Only the first 600 bytes are looked at.
         { "a.txt", std::string(599, ' ') + report, "read a.txt" },
-        { "a.txt", "\xFF\xFE<\0"s, unread("a.txt", "CSV") },
+        { "a.txt", "\xFF\xFE<\0"s, noTable("a.txt") },
     };
     for (const auto& [name, data, expected] : cases)
         EXPECT_EQ(outcome(name, data), expected) << name;
