@@ -2,6 +2,8 @@
 
 #include <openssl/evp.h>
 
+#include <utility>
+
 namespace Base {
 
 std::string toBase64(std::string_view bytes)
@@ -20,13 +22,14 @@ std::optional<std::string> fromBase64(std::string_view text)
     std::string bytes(text.size() / 4 * 3, '\0');
     const auto length = EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
         reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size()));
-    if (length < 0)
-        return std::nullopt;
     std::size_t padding = 0; // Decoded as zero bytes.
     while (padding < 2 && padding < text.size() && text[text.size() - 1 - padding] == '=')
         ++padding;
+    if (length < static_cast<int>(padding))
+        return std::nullopt;
     bytes.resize(static_cast<std::size_t>(length) - padding);
-    return bytes;
+    // Blanks around the text and too much padding would pass till here.
+    return toBase64(bytes) == text ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
 } // namespace Base

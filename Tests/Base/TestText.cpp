@@ -1,3 +1,4 @@
+#include "Base/Base64.h"
 #include "Base/SafeFileName.h"
 #include "Base/Text.h"
 
@@ -92,6 +93,15 @@ TEST(Text, displayWidthCountsTerminalColumns)
         { "a\u200Db\u00AD", 2 } };
     for (const auto& [text, width] : cases)
         EXPECT_EQ(Base::displayWidth(text), width) << text;
+}
+
+TEST(Base64, takesOnlyWhatItWouldWrite)
+{
+    const std::string bytes { "\0\xFFpicture", 9 };
+    for (std::size_t size = 0; size <= bytes.size(); ++size)
+        EXPECT_EQ(Base::fromBase64(Base::toBase64(bytes.substr(0, size))), bytes.substr(0, size));
+    for (const auto* const text : { "AA==    ", "    AA==", "====", "A===", "AB==", "AA=", "A A=", "AA\n=" })
+        EXPECT_EQ(Base::fromBase64(text), std::nullopt) << text;
 }
 
 TEST(SafeFileName, dropsWhatSomeSystemForbids)
