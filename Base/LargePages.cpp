@@ -1,8 +1,9 @@
 #include "Base/LargePages.h"
 
+#include <cstdlib>
 #include <sys/mman.h>
 
-namespace Base::Detail {
+namespace Base {
 
 namespace {
 
@@ -11,16 +12,33 @@ constexpr std::size_t smallest = 2 * pageSize; // Below that the allocator at ha
 
 std::size_t whole(std::size_t size) { return (size + pageSize - 1) / pageSize * pageSize; }
 
+void wishForLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size)
+{
+#ifdef MADV_HUGEPAGE
+    ::madvise(memory, size, MADV_HUGEPAGE); // What the system can't is no harm.
+#endif
+}
+
 } // namespace
+
+void* largeMalloc(std::size_t size) noexcept
+{
+    if (size < smallest || size > static_cast<std::size_t>(-1) / 2)
+        return std::malloc(size);
+    auto* const memory = std::aligned_alloc(pageSize, whole(size));
+    if (memory)
+        wishForLargePages(memory, whole(size));
+    return memory;
+}
+
+namespace Detail {
 
 void* largeAllocation(std::size_t size)
 {
     if (size < smallest)
         return ::operator new(size);
     auto* const memory = ::operator new (whole(size), std::align_val_t { pageSize });
-#ifdef MADV_HUGEPAGE
-    ::madvise(memory, whole(size), MADV_HUGEPAGE); // A wish; what the system can't is no harm.
-#endif
+    wishForLargePages(memory, whole(size));
     return memory;
 }
 
@@ -32,4 +50,6 @@ void releaseLargeAllocation(void* memory, std::size_t size) noexcept
         ::operator delete (memory, std::align_val_t { pageSize });
 }
 
-} // namespace Base::Detail
+} // namespace Detail
+
+} // namespace Base

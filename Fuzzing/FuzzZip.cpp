@@ -17,7 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
                 continue;
             left -= work;
             try {
-                expect(ZipReader::read(entry, archive).size == entry.size, "An entry has another size.");
+                expect(
+                    ZipReader::read(entry, archive).data.size() == entry.size, "An entry has another size.");
             } catch (const ZipReader::Failure& failure) {
                 expect(std::string_view(failure.what()).starts_with("“"), "A refusal names no entry.");
             }

@@ -31,6 +31,7 @@ constexpr std::size_t longestTail = endSize + 65'535; // With the longest commen
 constexpr std::uint32_t inZip64 = 0xFFFFFFFF; // The value stands in a ZIP64 record.
 constexpr std::uint16_t countInZip64 = 0xFFFF;
 constexpr std::uint16_t utf8Flag = 1 << 11;
+constexpr std::uint16_t stored = 0, deflated = 8; // Methods.
 constexpr std::uint64_t mostFromOneByte = 1032; // DEFLATE can't make more of a byte.
 constexpr std::uint64_t smallestDeflated = 64;
 
@@ -215,26 +216,6 @@ std::size_t inflated(std::string_view packed, char* into, std::size_t size)
     return packed.size() <= std::numeric_limits<uInt>::max() ? inflateBeginning(packed, into, size) : 0;
 }
 
-Bytes inflatedEntry(const Entry& entry, std::string_view packed)
-{
-    if (entry.size == 0)
-        return {};
-    if (packed.empty())
-        failDamaged(entry);
-    if (entry.size > mostFromOneByte * packed.size() + smallestDeflated)
-        failUnchecked(entry);
-    Bytes bytes { Base::LargeVector<char>(static_cast<std::size_t>(entry.size)) };
-    bytes.data.resize(inflated(packed, bytes.data.data(), bytes.data.size()));
-    return bytes;
-}
-
-Bytes storedEntry(const Entry& entry, std::string_view stored)
-{
-    if (stored.size() != entry.size) // Only now is it known to be no more than an entry may have.
-        failUnchecked(entry);
-    return { Base::LargeVector<char>(stored.begin(), stored.end()) };
-}
-
 } // namespace
 
 std::vector<Entry> entries(std::string_view archive)
@@ -273,18 +254,40 @@ std::vector<Entry> entries(std::string_view archive)
     return entries;
 }
 
-Bytes read(const Entry& entry, std::string_view archive)
+Packed::Packed(const Entry& entry, std::string_view archive)
+    : m_entry(entry)
+    , m_bytes(storedBytes(entry, Cursor(archive)))
 {
-    constexpr std::uint16_t stored = 0, deflated = 8;
-    const auto packed = storedBytes(entry, Cursor(archive));
     if (entry.method != stored && entry.method != deflated)
         throw Failure(
             fmt::format("“{}” uses a kind of compression that can’t be read.", Base::validUtf8(entry.path)));
-    auto bytes = entry.method == stored ? storedEntry(entry, packed) : inflatedEntry(entry, packed);
-    const auto size = bytes.data.size();
-    if (size != entry.size || libdeflate_crc32(0, bytes.data.data(), size) != entry.crc32)
+    if (entry.method == deflated && entry.size > 0 && m_bytes.empty())
+        failDamaged(entry);
+    const bool isPossible = entry.method == stored
+        ? entry.size == m_bytes.size()
+        : entry.size <= mostFromOneByte * m_bytes.size() + smallestDeflated;
+    if (!isPossible)
         failUnchecked(entry);
+}
+
+void Packed::unpack(char* into) const
+{
+    auto made = size();
+    if (m_entry.method == stored)
+        m_bytes.copy(into, made);
+    else if (made > 0)
+        made = inflated(m_bytes, into, made);
+    if (made != size() || libdeflate_crc32(0, into, made) != m_entry.crc32)
+        failUnchecked(m_entry);
+}
+
+Bytes Packed::unpacked() const
+{
+    Bytes bytes { Base::LargeVector<char>(size()) };
+    unpack(bytes.data.data());
     return bytes;
 }
+
+Bytes read(const Entry& entry, std::string_view archive) { return Packed(entry, archive).unpacked(); }
 
 } // namespace Tamberlin::ZipReader

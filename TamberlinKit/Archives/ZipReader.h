@@ -43,7 +43,23 @@ inline constexpr std::uint64_t largestEntry = 268'435'456; // 256 MiB unpacked.
 // The directory of an archive in its order; throws Failure.
 std::vector<Entry> entries(std::string_view archive);
 
-// The unpacked bytes of one entry, checked against its size and CRC-32; throws Failure.
+// An entry that may be unpacked, as far as can be told before; throws Failure otherwise. The archive must
+// stay.
+class Packed {
+public:
+    Packed(const Entry& entry, std::string_view archive);
+
+    std::size_t size() const { return static_cast<std::size_t>(m_entry.size); }
+    // Unpacks so many bytes and checks them against the CRC-32; throws Failure.
+    void unpack(char* into) const;
+    Bytes unpacked() const;
+
+private:
+    const Entry& m_entry;
+    std::string_view m_bytes;
+};
+
+// The unpacked bytes of one entry, checked; throws Failure.
 Bytes read(const Entry& entry, std::string_view archive);
 
 } // namespace ZipReader

@@ -153,8 +153,9 @@ BatchCount countBatch(
         } else {
             if (options.onRead)
                 options.onRead(*outcome.file);
-            result.files.push_back(
-                outcome.count->finish(static_cast<std::int64_t>(result.files.size()), seen));
+            using Following = PreparedCount::Following;
+            result.files.push_back(outcome.count->finish(static_cast<std::int64_t>(result.files.size()), seen,
+                place + 1 < files.size() ? Following::files : Following::none));
         }
         if (options.onProgress)
             options.onProgress(place + 1, files.size());

@@ -113,8 +113,10 @@ void PreparedCount::Piece::count(std::span<const Segment> segments, const CountO
             ++stats.segments;
             if (!isLookedUp)
                 continue;
-            if (!reader.isPieceOfText())
-                sentence = m_normalized.emplace_back(sentence);
+            if (!reader.isPieceOfText()) {
+                auto* const kept = static_cast<char*>(m_normalized->allocate(sentence.size(), 1));
+                sentence = { kept, sentence.copy(kept, sentence.size()) };
+            }
             const bool stays = hasSource && segment.text.isStanding() && reader.isPieceOfText();
             sentences.push_back({ { sentence, stays }, SeenSentences::hash(sentence) });
         }
@@ -125,7 +127,7 @@ void PreparedCount::Piece::count(std::span<const Segment> segments, const CountO
     }
 }
 
-FileCount PreparedCount::finish(std::int64_t id, SeenSentences& seenInBatch)
+FileCount PreparedCount::finish(std::int64_t id, SeenSentences& seenInBatch, Following following)
 {
     constexpr std::size_t ahead = 16;
     FileCount count { .id = id,
@@ -136,6 +138,7 @@ FileCount PreparedCount::finish(std::int64_t id, SeenSentences& seenInBatch)
     SeenSentences seenInFile;
     const bool isAcross = m_options.repetitions == RepetitionScope::acrossFiles;
     auto& seen = isAcross ? seenInBatch : seenInFile;
+    const bool outlivesFile = isAcross && following == Following::files;
     bool keepsSource = false;
     for (auto& piece : m_pieces) {
         count.total += piece.total;
@@ -149,7 +152,7 @@ FileCount PreparedCount::finish(std::int64_t id, SeenSentences& seenInBatch)
                 seen.prefetch(piece.sentences[place + ahead].hash);
             const auto& [text, hash] = piece.sentences[place];
             keepsSource = keepsSource || text.stays();
-            if (seen.insert({ text.view(), text.stays() || !isAcross }, hash))
+            if (seen.insert({ text.view(), text.stays() || !outlivesFile }, hash))
                 continue;
             auto stats = countText(text.view(), rulesOf(m_options));
             stats.segments = 1;

@@ -8,11 +8,11 @@
 
 #include <array>
 #include <cstdint>
-#include <deque>
+#include <memory>
+#include <memory_resource>
 #include <optional>
 #include <span>
 #include <stop_token>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -27,8 +27,10 @@ public:
     PreparedCount(const Extracted& file, const CountOptions& options, unsigned threads = 1,
         const std::stop_token& cancel = {});
 
-    // Finishes the count; called once. What the texts of the file stand in is kept by `seenInBatch`.
-    FileCount finish(std::int64_t id, SeenSentences& seenInBatch);
+    // Finishes the count; called once. What the texts of the file stand in is kept by `seenInBatch`, and so
+    // are copies of other texts unless no file follows that they could be repeated in.
+    enum class Following { files, none };
+    FileCount finish(std::int64_t id, SeenSentences& seenInBatch, Following following = Following::files);
 
 private:
     struct Sentence {
@@ -46,7 +48,9 @@ private:
         Base::LargeVector<Sentence> sentences; // That take part in the look-up.
 
     private:
-        std::deque<std::string> m_normalized; // Those that differ from what stands in the file.
+        // Holds those that differ from what stands in the file.
+        std::unique_ptr<std::pmr::monotonic_buffer_resource> m_normalized
+            = std::make_unique<std::pmr::monotonic_buffer_resource>();
     };
 
     const Extracted& m_file;

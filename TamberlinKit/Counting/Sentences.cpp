@@ -38,19 +38,22 @@ std::size_t endOfOrdinary(std::string_view text, std::size_t at)
     return at;
 }
 
+// Behind what stands at `at` as it would be normalized: ordinary code points with single blanks between them.
+std::size_t endOfNormal(std::string_view text, std::size_t at)
+{
+    auto end = endOfOrdinary(text, at);
+    while (end > at && end < text.size() && text[end] == ' ') {
+        const auto next = endOfOrdinary(text, end + 1);
+        if (next == end + 1)
+            break;
+        end = next;
+    }
+    return end;
+}
+
 // Whether a text is as it would be normalized: single blanks between words, none at its ends, and in NFC.
 // Where that is hard to tell the answer is no.
-bool isInNormalForm(std::string_view text)
-{
-    for (std::size_t at = 0;;) {
-        const auto end = endOfOrdinary(text, at);
-        if (end == text.size())
-            return end > at;
-        if (text[end] != ' ' || end == at)
-            return false;
-        at = end + 1;
-    }
-}
+bool isInNormalForm(std::string_view text) { return !text.empty() && endOfNormal(text, 0) == text.size(); }
 
 const icu::Normalizer2& composition()
 {
@@ -211,10 +214,10 @@ void SentenceReader::normalize(std::string_view sentence)
         m_normal += text;
     };
     for (std::size_t at = 0; at < sentence.size();) {
-        const auto ordinary = endOfOrdinary(sentence, at);
-        if (ordinary > at)
-            append(sentence.substr(at, ordinary - at));
-        at = ordinary;
+        const auto normal = endOfNormal(sentence, at);
+        if (normal > at)
+            append(sentence.substr(at, normal - at));
+        at = normal;
         if (at == sentence.size())
             break;
         const auto character = characterAt(sentence, at);

@@ -50,7 +50,7 @@ Package::Package(std::string_view archive, std::string name, std::string_view ki
         m_places.emplace(m_entries[place].path, place);
 }
 
-std::optional<Bytes> Package::data(std::string_view path) const
+std::optional<ZipReader::Packed> Package::packed(std::string_view path) const
 {
     if (m_cancel.stop_requested())
         throw Cancelled();
@@ -62,7 +62,13 @@ std::optional<Bytes> Package::data(std::string_view path) const
     const auto work = std::max(entry.size, std::min<std::uint64_t>(entry.compressedSize, m_archive.size()));
     if (entry.size <= ZipReader::largestEntry && (m_unpacked += work) > largestDocument)
         throw ReadError(fmt::format("“{}” unpacks to more than 2 GB, which no document needs.", m_name));
-    return ZipReader::read(entry, m_archive);
+    return ZipReader::Packed(entry, m_archive);
+}
+
+std::optional<Bytes> Package::data(std::string_view path) const
+{
+    const auto part = packed(path);
+    return part ? std::optional(part->unpacked()) : std::nullopt;
 }
 
 std::vector<std::string> Package::paths(std::string_view prefix, std::string_view suffix) const
@@ -80,10 +86,11 @@ std::vector<std::string> Package::paths(std::string_view prefix, std::string_vie
 
 std::optional<std::string> Package::scan(std::string_view path, const XMLScan& scan) const
 {
-    const auto part = data(path);
+    const auto part = packed(path);
     if (!part)
         return std::nullopt;
-    const auto reason = scan.parse(part->view(), m_cancel);
+    const auto reason = scan.parse(
+        part->size(), [&](char* into) { part->unpack(into); }, m_cancel);
     if (!reason)
         return std::nullopt;
     return fmt::format(

@@ -46,6 +46,8 @@ public:
     std::vector<std::string> related(std::string_view path, std::string_view type) const;
 
 private:
+    std::optional<ZipReader::Packed> packed(std::string_view path) const;
+
     struct Relationship {
         std::string id, type, target;
     };

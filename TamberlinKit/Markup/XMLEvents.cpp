@@ -1,11 +1,13 @@
 #include "TamberlinKit/Markup/XMLEvents.h"
 
+#include "Base/LargePages.h"
 #include "TamberlinKit/Text/ReadError.h"
 
 #define XML_DTD // Else the header hides the limit of expansion that the library has.
 #include <expat.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <new>
@@ -19,16 +21,20 @@ constexpr std::size_t longestPiece = 16 * 1024 * 1024; // A tag or comment can b
 constexpr std::size_t betweenChecks = 1024; // Calls; stopping is checked between pieces, too.
 constexpr float mostExpansion = 2; // Of a document over 8 MB by its entities, which office files don't have.
 
+using OnStart = std::function<void(const XMLName&, XMLAttributes)>;
+using OnEnd = std::function<void(const XMLName&)>;
+using OnText = std::function<void(std::string_view)>;
+
 struct Parse {
     XML_Parser parser;
     const XMLLimits& limits;
-    const std::function<void(const XMLName&, XMLAttributes)>& onStart;
-    const std::function<void(const XMLName&)>& onEnd;
-    const std::function<void(std::string_view)>& onText;
+    const OnStart& onStart;
+    const OnEnd& onEnd;
+    const OnText& onText;
     const std::stop_token& cancel;
     std::size_t depth = 0;
     std::size_t elements = 0;
-    std::size_t calls = 0;
+    std::size_t made = 0; // Calls.
     bool isSilent = false; // Nothing was called back since the piece began.
     bool isInDoctype = false;
     std::string refusal;
@@ -38,7 +44,7 @@ struct Parse {
     bool begin()
     {
         isSilent = false;
-        if (++calls % betweenChecks == 0 && cancel.stop_requested())
+        if (++made % betweenChecks == 0 && cancel.stop_requested())
             guarded([] { throw Cancelled(); });
         return !thrown && refusal.empty();
     }
@@ -95,18 +101,31 @@ void startDoctype(void* data, const XML_Char*, const XML_Char*, const XML_Char*,
 
 void endDoctype(void* data) { static_cast<Parse*>(data)->isInDoctype = false; }
 
-// At most so many bytes, ending behind a tag if there is one: the parser copies what follows one that isn't
-// complete.
-std::string_view firstPiece(std::string_view document, std::size_t length)
+// Behind the XML declaration, comments and processing instructions that may stand in front of everything.
+std::string_view behindProlog(std::string_view document)
 {
-    const auto piece = document.substr(0, length);
-    const auto end = piece.size() < document.size() ? piece.rfind('>') : piece.npos;
-    return end == piece.npos ? piece : piece.substr(0, end + 1);
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (document.starts_with(byteOrderMark))
+        document.remove_prefix(byteOrderMark.size());
+    for (;;) {
+        document.remove_prefix(std::min(document.find_first_not_of(" \t\r\n"), document.size()));
+        const bool isComment = document.starts_with("<!--");
+        const auto end = isComment       ? document.find("-->", 4)
+            : document.starts_with("<?") ? document.find("?>", 2)
+                                         : document.npos;
+        if (end == document.npos)
+            return document;
+        document.remove_prefix(end + (isComment ? 3 : 2));
+    }
 }
 
-// Whether no tag is longer than a piece may be; none has a "<" inside.
-bool hasShortTags(std::string_view document)
+// Whether the parser can bear a document as a whole: it declares nothing, and no tag is longer than a piece
+// may be; none has a "<" inside. One in UTF-16 is taken for one that can't.
+bool goesOverAtOnce(std::string_view document)
 {
+    document = behindProlog(document);
+    if (!document.starts_with('<') || document.starts_with("<!") || document.substr(0, 2).ends_with('\0'))
+        return false;
     while (document.size() > longestPiece) {
         const auto last = document.rfind('<', longestPiece);
         if (last == document.npos || last == 0)
@@ -116,31 +135,45 @@ bool hasShortTags(std::string_view document)
     return true;
 }
 
-} // namespace
+using Parser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
 
-std::optional<std::string> parseXML(std::string_view document, const XMLLimits& limits,
-    const std::function<void(const XMLName&, XMLAttributes)>& onStart,
-    const std::function<void(const XMLName&)>& onEnd, const std::function<void(std::string_view)>& onText,
-    const std::stop_token& cancel)
+Parser makeParser()
 {
-    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
-        XML_ParserCreate(nullptr), &XML_ParserFree);
+    constexpr XML_Memory_Handling_Suite memory { &Base::largeMalloc, &std::realloc, &std::free };
+    Parser parser(XML_ParserCreate_MM(nullptr, &memory, nullptr), &XML_ParserFree);
     if (!parser)
         throw std::bad_alloc();
-    Parse parse { .parser = parser.get(),
-        .limits = limits,
-        .onStart = onStart,
-        .onEnd = onEnd,
-        .onText = onText,
-        .cancel = cancel };
-    XML_SetUserData(parser.get(), &parse);
     XML_SetElementHandler(parser.get(), &startElement, &endElement);
     XML_SetCharacterDataHandler(parser.get(), &text);
     XML_SetDoctypeDeclHandler(parser.get(), &startDoctype, &endDoctype);
     XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser.get(), mostExpansion);
+    return parser;
+}
 
-    const bool isUtf16 = document.substr(0, 4).find('\0') != document.npos;
-    std::optional<bool> goesOverAtOnce; // What follows the piece with the root's tag.
+// What became of the document.
+std::optional<std::string> outcome(const Parse& parse, XML_Status status)
+{
+    if (parse.thrown)
+        std::rethrow_exception(parse.thrown);
+    if (status == XML_STATUS_OK)
+        return std::nullopt;
+    if (!parse.refusal.empty())
+        return parse.refusal;
+    const auto code = XML_GetErrorCode(parse.parser);
+    if (code == XML_ERROR_NO_MEMORY)
+        throw std::bad_alloc();
+    const char* const description = XML_ErrorString(code);
+    return description ? description : "";
+}
+
+} // namespace
+
+std::optional<std::string> parseXML(std::string_view document, const XMLLimits& limits,
+    const OnStart& onStart, const OnEnd& onEnd, const OnText& onText, const std::stop_token& cancel)
+{
+    const auto parser = makeParser();
+    Parse parse { parser.get(), limits, onStart, onEnd, onText, cancel };
+    XML_SetUserData(parser.get(), &parse);
     auto status = XML_STATUS_OK;
     auto length = pieceBytes;
     do {
@@ -149,31 +182,35 @@ std::optional<std::string> parseXML(std::string_view document, const XMLLimits& 
         // Declarations cost the parser quadratic time, and entities inside entities its stack.
         if (parse.isInDoctype)
             return "the document type is too long";
-        // The parser looks for line ends in each piece but the last, to know the place behind it.
-        if (parse.elements > 0 && !goesOverAtOnce)
-            goesOverAtOnce = !isUtf16 && hasShortTags(document);
-        const bool isLast = goesOverAtOnce.value_or(false);
-        if (!isLast && length > longestPiece)
+        if (length > longestPiece)
             return "a tag or comment is too long";
-        const auto piece = isLast ? document : firstPiece(document, length);
+        const auto piece = document.substr(0, length);
         document.remove_prefix(piece.size());
         parse.isSilent = true;
         status = XML_Parse(parser.get(), piece.data(), static_cast<int>(piece.size()), document.empty());
         // A tag that isn't complete is gone through again with each piece.
         length = parse.isSilent ? 2 * length : pieceBytes;
     } while (status == XML_STATUS_OK && !document.empty());
+    return outcome(parse, status);
+}
 
-    if (parse.thrown)
-        std::rethrow_exception(parse.thrown);
-    if (status == XML_STATUS_OK)
-        return std::nullopt;
-    if (!parse.refusal.empty())
-        return parse.refusal;
-    const auto code = XML_GetErrorCode(parser.get());
-    if (code == XML_ERROR_NO_MEMORY)
+// The parser copies what it is given, and looks for line ends in each piece but the last.
+std::optional<std::string> parseXML(std::size_t size, const std::function<void(char* into)>& write,
+    const XMLLimits& limits, const OnStart& onStart, const OnEnd& onEnd, const OnText& onText,
+    const std::stop_token& cancel)
+{
+    const auto parser = makeParser();
+    Parse parse { parser.get(), limits, onStart, onEnd, onText, cancel };
+    XML_SetUserData(parser.get(), &parse);
+    const auto length = static_cast<int>(size);
+    auto* const buffer = static_cast<char*>(XML_GetBuffer(parser.get(), std::max(length, 1)));
+    if (!buffer)
         throw std::bad_alloc();
-    const char* const description = XML_ErrorString(code);
-    return description ? description : "";
+    write(buffer);
+    const std::string_view document(buffer, size);
+    if (!goesOverAtOnce(document))
+        return parseXML(document, limits, onStart, onEnd, onText, cancel);
+    return outcome(parse, XML_ParseBuffer(parser.get(), length, true));
 }
 
 } // namespace Tamberlin

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 #include <functional>
 #include <optional>
 #include <stop_token>
@@ -39,7 +38,7 @@ public:
     std::optional<std::string_view> find(std::string_view name) const
     {
         for (auto pair = m_pairs; *pair; pair += 2) {
-            if (std::strncmp(*pair, name.data(), name.size()) == 0 && (*pair)[name.size()] == '\0')
+            if (isSame(*pair, name))
                 return std::string_view(pair[1]);
         }
         return std::nullopt;
@@ -50,18 +49,30 @@ public:
     {
         const char* found = nullptr;
         for (auto pair = m_pairs; *pair; pair += 2) {
-            const std::string_view written = *pair;
-            if (!written.ends_with(name))
-                continue;
-            if (written.size() == name.size())
+            if (isSame(*pair, name))
                 return std::string_view(pair[1]);
-            if (!found && written[written.size() - name.size() - 1] == ':')
+            const char* local = nullptr; // Behind the last colon.
+            for (auto at = *pair; *at != '\0'; ++at) {
+                if (*at == ':')
+                    local = at + 1;
+            }
+            if (!found && local && isSame(local, name))
                 found = pair[1];
         }
         return found ? std::optional<std::string_view>(found) : std::nullopt;
     }
 
 private:
+    // Most differ in their first letters.
+    static bool isSame(const char* written, std::string_view name)
+    {
+        for (const char letter : name) {
+            if (*written++ != letter)
+                return false;
+        }
+        return *written == '\0';
+    }
+
     const char* const* m_pairs; // Name, value, name, value, null.
 };
 
@@ -71,10 +82,15 @@ struct XMLLimits {
 };
 
 // Goes through an XML 1.0 document and calls back for each start and end tag, and for text where that is
-// wanted. No external entity is ever read. Gives the parser's reason
-// when the document isn't well-formed or passes a limit; what came before was called back all the same.
-// Throws Cancelled when a stop was asked for.
+// wanted. No external entity is ever read. Gives the parser's reason when the document isn't well-formed or
+// passes a limit; what came before was called back all the same. Throws Cancelled when a stop was asked for.
 std::optional<std::string> parseXML(std::string_view document, const XMLLimits& limits,
+    const std::function<void(const XMLName& element, XMLAttributes attributes)>& onStart,
+    const std::function<void(const XMLName& element)>& onEnd,
+    const std::function<void(std::string_view text)>& onText = {}, const std::stop_token& cancel = {});
+// The same with a document of less than 1 GB that `write` first writes to where the parser reads it.
+std::optional<std::string> parseXML(std::size_t size, const std::function<void(char* into)>& write,
+    const XMLLimits& limits,
     const std::function<void(const XMLName& element, XMLAttributes attributes)>& onStart,
     const std::function<void(const XMLName& element)>& onEnd,
     const std::function<void(std::string_view text)>& onText = {}, const std::stop_token& cancel = {});

@@ -39,6 +39,9 @@ struct XMLScan {
     // Gives the parser's reason when the part isn't well-formed; what came before was called back all the
     // same. Throws Cancelled when a stop was asked for.
     std::optional<std::string> parse(std::string_view part, const std::stop_token& cancel) const;
+    // The same with a part of so many bytes that `write` writes to where it is asked to.
+    std::optional<std::string> parse(
+        std::size_t size, const std::function<void(char* into)>& write, const std::stop_token& cancel) const;
 };
 
 } // namespace Tamberlin

@@ -206,6 +206,10 @@ void OdtText::text(std::string_view text)
     bool blankDue = m_blankDue.back();
     std::size_t from = 0;
     for (std::size_t at = 0; at < text.size(); ++at) {
+        if (static_cast<unsigned char>(text[at]) > ' ') { // No blank: most are none.
+            blankDue = false;
+            continue;
+        }
         const bool blank = isBlank(text[at]);
         if (blank && (blankDue || text[at] != ' ')) {
             m_writer.append(text.substr(from, at - from), m_now.hidden);

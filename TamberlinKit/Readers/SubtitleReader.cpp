@@ -17,6 +17,7 @@ constexpr std::size_t betweenChecks = 65'536;
 
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+constexpr bool mayBeMarkup(char c) { return c == '<' || c == '{' || c == '&' || c == '\\'; }
 
 // "00:00:01,000 --> 00:00:02,000" and what stands behind it. Also a damaged one: its text is shown by some
 // players.
@@ -105,7 +106,8 @@ std::string CueText::read(std::string_view cue)
             break;
         }
         if (length == 0) {
-            length = std::min(cue.find_first_of("<{&\\", 1), cue.size());
+            for (length = 1; length < cue.size() && !mayBeMarkup(cue[length]);)
+                ++length;
             add(cue.substr(0, length));
         }
         cue.remove_prefix(length);

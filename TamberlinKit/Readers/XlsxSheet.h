@@ -33,8 +33,11 @@ public:
     void end(std::string_view element);
     void text(std::string_view text)
     {
-        if (m_isOpen)
-            m_text += text;
+        if (!m_isOpen)
+            return;
+        m_text += text;
+        if (m_cell == Cell::shared)
+            m_strings.prefetch(m_text);
     }
 
 private:

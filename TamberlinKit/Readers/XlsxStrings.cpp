@@ -2,6 +2,7 @@
 
 #include "TamberlinKit/Readers/OfficeMarkup.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace Tamberlin {
@@ -19,8 +20,11 @@ std::optional<std::string> SharedStrings::read(const Package& package, std::stri
                     if (element != "si")
                         return;
                     decodeEscapes(text);
-                    if (hasText(text))
-                        m_texts->insert(m_texts->end(), text.begin(), text.end());
+                    if (hasText(text)) {
+                        const auto begin = m_texts->size();
+                        m_texts->resize(begin + text.size());
+                        text.copy(m_texts->data() + begin, text.size());
+                    }
                     text.clear();
                     m_ends.push_back(static_cast<std::uint32_t>(m_texts->size()));
                 },
@@ -32,11 +36,18 @@ std::optional<std::string> SharedStrings::read(const Package& package, std::stri
         });
 }
 
-std::optional<std::string_view> SharedStrings::find(std::string_view number) const
+// Their number for one that there isn't.
+std::size_t SharedStrings::indexOf(std::string_view number) const
 {
     std::size_t index = 0;
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), index);
-    if (error != std::errc() || index >= m_ends.size())
+    return error == std::errc() ? std::min(index, m_ends.size()) : m_ends.size();
+}
+
+std::optional<std::string_view> SharedStrings::find(std::string_view number) const
+{
+    const auto index = indexOf(number);
+    if (index == m_ends.size())
         return std::nullopt;
     const auto begin = index == 0 ? 0 : m_ends[index - 1];
     return std::string_view(m_texts->data() + begin, m_ends[index] - begin);
