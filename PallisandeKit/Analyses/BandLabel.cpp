@@ -158,9 +158,11 @@ public:
 private:
     static char32_t plain(char32_t c)
     {
+        if (c > ' ' && c < 0x7F)
+            return c == '_' ? ' ' : c;
         if (c == 0x2012 || c == 0x2013 || c == 0x2014 || c == 0x2212)
             return '-';
-        return c == '_' || u_isUWhiteSpace(static_cast<UChar32>(c)) ? ' ' : c;
+        return u_isUWhiteSpace(static_cast<UChar32>(c)) ? ' ' : c;
     }
 
     std::string m_text;

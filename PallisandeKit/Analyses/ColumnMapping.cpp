@@ -227,7 +227,7 @@ private:
 
     bool holdsCounts(const DelimitedTable::Row& row) const
     {
-        for (Column place = 0; place < m_mapping.columns.size(); ++place) {
+        for (Column place = 0; place < std::min(m_mapping.columns.size(), row.size()); ++place) {
             if (m_mapping.columns[place].role == ColumnRole::counts && isNumber(row[place]))
                 return true;
         }

@@ -109,7 +109,7 @@ private:
 
     void take(const Row& cells, std::size_t place)
     {
-        const auto& counted = m_mapped.counted;
+        const auto counted = reached(m_mapped.counted, cells);
         const auto label = m_labels.find(cells[*m_mapped.labels]);
         const bool hasNumbers = std::any_of(counted.begin(), counted.end(),
             [&](const auto& source) { return isNumber(cells[source.column]); });

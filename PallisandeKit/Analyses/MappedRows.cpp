@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 
 namespace Pallisande {
 
@@ -56,7 +57,10 @@ public:
         if (!m_mapped.file && rows.size() == 1)
             rows.front().file = m_mapped.analysis.name;
         stateTotal();
-        m_mapped.noteLeftOut(m_leftOut);
+        std::vector<std::string> leftOut;
+        for (const auto& [column, heading] : m_leftOut)
+            leftOut.push_back(heading);
+        m_mapped.noteLeftOut(leftOut);
     }
 
 private:
@@ -76,7 +80,7 @@ private:
     Line figures(const Row& cells) const
     {
         Line line;
-        for (const auto& source : m_mapped.counted) {
+        for (const auto& source : reached(m_mapped.counted, cells)) {
             const auto cell = cells[source.column];
             const auto count = cell.empty() ? std::nullopt : source.numbers.read(cell);
             line.hasTexts = line.hasTexts || !cell.empty();
@@ -107,7 +111,7 @@ private:
         if (m_mapped.file && !cells[*m_mapped.file].empty()) {
             look(cells[*m_mapped.file]);
         } else {
-            for (const auto& source : m_mapped.leftOut)
+            for (const auto& source : reached(m_mapped.leftOut, cells))
                 look(cells[source.column]);
         }
         const bool isSumOfGroup = line.words == m_wordsOfGroup;
@@ -127,7 +131,7 @@ private:
         auto& row = m_mapped.analysis.rows.emplace_back();
         row.id = Base::Uuid::random();
         row.file = std::move(file);
-        for (const auto& source : m_mapped.counted) {
+        for (const auto& source : reached(m_mapped.counted, cells)) {
             const auto count = m_mapped.tally.read(source.numbers, cells[source.column]);
             if (!count || source.role == ColumnRole::total)
                 continue;
@@ -142,14 +146,16 @@ private:
     // Columns that aren't counted but hold figures; what is known not to be words needs no note.
     void lookAtLeftOut(const Row& cells)
     {
-        std::erase_if(m_mapped.leftOut, [&](const MappedTable::Source& source) {
+        auto& sources = m_mapped.leftOut;
+        for (auto place = reached(sources, cells).size(); place-- > 0;) {
+            const auto& source = sources[place];
             const auto count = source.numbers.read(cells[source.column]);
             if (!count || count->value == 0)
-                return false;
+                continue;
             if (mayBeWords(source.heading))
-                m_leftOut.push_back(source.heading);
-            return true;
-        });
+                m_leftOut.insert({ source.column, source.heading });
+            sources.erase(sources.begin() + static_cast<std::ptrdiff_t>(place)); // Needs no second look.
+        }
     }
 
     // The total of all files: the last one stated, or the sum of those of groups.
@@ -168,7 +174,7 @@ private:
     MappedTable& m_mapped;
     Words m_words, m_wordsOfGroup; // Of the files so far, and of those since the last total.
     std::vector<Total> m_totals;
-    std::vector<std::string> m_leftOut;
+    std::map<std::size_t, std::string> m_leftOut; // Headings, by column.
 };
 
 } // namespace

@@ -101,12 +101,14 @@ void MappedTable::learnNumbers()
     constexpr std::size_t exampleRows = 1000; // Of columns that aren't counted.
     for (auto row = headings.firstRow; row < table.size(); ++row) {
         const auto cells = table[row];
-        for (auto& source : counted)
-            source.numbers.learn(cells[source.column]);
-        for (auto& source : leftOut) {
-            if (row < headings.firstRow + exampleRows)
-                source.numbers.learn(cells[source.column]);
-        }
+        const auto learn = [&](std::vector<Source>& sources) {
+            const auto count = reached(sources, cells).size();
+            for (std::size_t place = 0; place < count; ++place)
+                sources[place].numbers.learn(cells[sources[place].column]);
+        };
+        learn(counted);
+        if (row < headings.firstRow + exampleRows)
+            learn(leftOut);
     }
     CountColumn example;
     for (const auto* const sources : { &counted, &leftOut }) {

@@ -4,7 +4,9 @@
 #include "PallisandeKit/Analyses/ColumnMapping.h"
 #include "PallisandeKit/Analyses/ReportTally.h"
 
+#include <algorithm>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -28,7 +30,7 @@ struct MappedTable {
     const ColumnMapping& mapping;
     ColumnHeadings headings;
     std::optional<Column> file, labels;
-    std::vector<Source> counted, leftOut;
+    std::vector<Source> counted, leftOut; // By column.
     Analysis analysis;
     ReportTally tally;
 
@@ -42,6 +44,16 @@ private:
     void takeColumns();
     void learnNumbers();
 };
+
+// Those of the sources whose column a line reaches, so that short lines under many headings cost little.
+inline std::span<const MappedTable::Source> reached(
+    const std::vector<MappedTable::Source>& sources, const DelimitedTable::Row& cells)
+{
+    auto count = std::min(sources.size(), cells.size()); // A column stands at its place or further right.
+    while (count > 0 && sources[count - 1].column >= cells.size())
+        --count;
+    return { sources.data(), count };
+}
 
 // A band as the user mapped it: the label's own, or one that the label is counted with.
 BandLabel mappedBand(MatchBand band, const BandLabel& own);
