@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <stdexcept>
 #include <string>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -20,6 +21,7 @@ public:
         if (::pipe(input) != 0 || ::pipe(output) != 0 || (m_process = ::fork()) < 0)
             throw std::runtime_error("no helper");
         if (m_process == 0) {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL); // Nor does it outlive a test that crashes.
             ::dup2(input[0], STDIN_FILENO);
             ::dup2(output[1], STDOUT_FILENO);
             for (const int end : { input[0], input[1], output[0], output[1] })
