@@ -15,7 +15,7 @@ using namespace Pallisande;
 const AppSettings changed { .onboardingDone = true,
     .documentLanguage = "de",
     .remindersOn = true,
-    .libraryBookmark = Bookmark { "/home/ada/B\xFC"
+    .libraryBookmark = Bookmark { "/mnt/ada/B\xFC"
                                   "cher\n" }, // No valid UTF-8.
     .secondBookmark = Bookmark { "" },
     .lastSecondBackup = "2026-03-09",
