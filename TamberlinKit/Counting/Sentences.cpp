@@ -138,11 +138,15 @@ std::size_t SentenceReader::nextOfInterest(std::size_t at)
 // Remembers what in a block isn't in normal form, or may not be.
 void SentenceReader::look(std::size_t begin, const TextBlock& block)
 {
-    if (m_irregular != 0 || begin > m_lookedTo)
-        m_irregularEnd = begin;
+    const bool isBehindGap = begin > m_lookedTo;
+    for (auto* const stains : { &m_breaks, &m_odd }) {
+        if (stains->inBlock != 0 || isBehindGap)
+            stains->end = begin;
+    }
     const bool followsBlank = begin > 0 && m_text[begin - 1] == ' ';
     const auto doubled = block.spaces & (block.spaces << 1 | (followsBlank ? 1 : 0));
-    m_irregular = block.isSimple ? block.lineBreaks | block.oddBlanks | doubled : ~std::uint64_t { 0 };
+    m_breaks.inBlock = block.lineBreaks;
+    m_odd.inBlock = block.isSimple ? block.oddBlanks | doubled : ~std::uint64_t { 0 };
     m_lookedTo = begin + TextBlock::size;
 }
 
@@ -175,31 +179,53 @@ bool SentenceReader::endsBehind(std::size_t& at, Terminator kind, std::size_t& n
     return false;
 }
 
-// Most sentences need no second look: in the blocks that they stand in nothing is out of the ordinary.
-bool SentenceReader::isNormal(std::size_t end) const
+// Whether nothing of that stands in the sentence that ends at `end`. Most sentences need no second look.
+bool SentenceReader::isClean(const Stains& stains, std::size_t end) const
 {
-    const auto sentence = m_text.substr(m_start, end - m_start);
     const auto begin = m_lookedTo - TextBlock::size;
-    if (m_start < m_irregularEnd || end > m_lookedTo || end <= begin)
-        return isInNormalForm(sentence);
+    if (m_start < stains.end || end > m_lookedTo || end <= begin)
+        return false;
     auto stands = ~std::uint64_t { 0 } >> (m_lookedTo - end); // Bits of the last block.
     if (m_start > begin)
         stands &= ~std::uint64_t { 0 } << (m_start - begin);
-    if ((m_irregular & stands) != 0)
-        return isInNormalForm(sentence);
-    return !sentence.empty() && sentence.front() != ' ' && sentence.back() != ' ';
+    return (stains.inBlock & stands) == 0;
 }
 
 bool SentenceReader::emit(std::size_t end, std::size_t next, std::string_view& sentence)
 {
     sentence = m_text.substr(m_start, end - m_start);
-    m_isPieceOfText = isNormal(end);
+    bool isNormalized = false;
+    if (!isClean(m_odd, end)) {
+        m_isPieceOfText = isInNormalForm(sentence);
+    } else if (isClean(m_breaks, end)) {
+        m_isPieceOfText = !sentence.empty() && sentence.front() != ' ' && sentence.back() != ' ';
+    } else {
+        isNormalized = joinLines(sentence);
+        m_isPieceOfText = !isNormalized && isInNormalForm(sentence);
+    }
     m_start = next;
     if (!m_isPieceOfText) {
-        normalize(sentence);
+        if (!isNormalized)
+            normalize(sentence);
         sentence = m_normal;
     }
     return !sentence.empty();
+}
+
+// A sentence of simple characters on several lines, without blanks at their ends: subtitles, wrapped text.
+bool SentenceReader::joinLines(std::string_view sentence)
+{
+    m_normal.assign(sentence);
+    for (auto at = m_normal.find('\n'); at != m_normal.npos; at = m_normal.find('\n', at)) {
+        if (at > 0 && m_normal[at - 1] == '\r')
+            m_normal.erase(--at, 1);
+        m_normal[at] = ' ';
+        if (at == 0 || m_normal[at - 1] == ' ' || at + 1 == m_normal.size() || m_normal[at + 1] == ' ')
+            return false;
+    }
+    const auto holds = [this](char c) { return m_normal.find(c) != m_normal.npos; };
+    return m_normal.front() != ' ' && m_normal.back() != ' ' && !holds('\r') && !holds('\v')
+        && !holds('\f');
 }
 
 void SentenceReader::normalize(std::string_view sentence)

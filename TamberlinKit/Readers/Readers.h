@@ -8,8 +8,8 @@
 #include <string_view>
 
 // One function a format: the bytes of a file and its name as it is shown, to its text. Each throws ReadError
-// with the sentence for the user, and Cancelled soon after a stop was asked for. Segments of plain text may stand
-// in the bytes of the file, which must stay as long as they are used.
+// with the sentence for the user, and Cancelled soon after a stop was asked for. Segments of text and
+// subtitles may stand in the bytes of the file, which must stay as long as they are used.
 namespace Tamberlin {
 
 Extracted readDocx(std::string_view file, std::string name, const std::stop_token& cancel);

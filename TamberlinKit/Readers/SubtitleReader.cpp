@@ -5,6 +5,7 @@
 #include "TamberlinKit/Text/TextDecoder.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -148,10 +149,11 @@ std::size_t CueText::code(std::string_view rest) const
 // blank lines, blank lines within cues.
 class Subtitles {
 public:
-    Subtitles(std::vector<Segment>& segments, bool isVtt)
-        : m_segments(segments)
-        , m_isVtt(isVtt)
-        , m_text(isVtt ? ReferencePlace::text : ReferencePlace::strict)
+    Subtitles(std::string_view text, std::vector<Segment>& segments)
+        : m_whole(text)
+        , m_segments(segments)
+        , m_isVtt(text.starts_with("WEBVTT"))
+        , m_text(m_isVtt ? ReferencePlace::text : ReferencePlace::strict)
     {
     }
 
@@ -161,7 +163,11 @@ public:
 
 private:
     void timing();
+    std::optional<std::string_view> plainText();
 
+    std::string_view m_whole;
+    std::array<Occurrences, 4> m_markup { { { m_whole, '<' }, { m_whole, '{' }, { m_whole, '&' },
+        { m_whole, '\\' } } };
     std::vector<Segment>& m_segments;
     bool m_isVtt;
     bool m_hasCues = false, m_isInCue = false;
@@ -198,9 +204,34 @@ void Subtitles::timing()
     m_isInCue = m_hasCues = true;
 }
 
+// The text of a cue without markup as it stands in the file, as most do.
+std::optional<std::string_view> Subtitles::plainText()
+{
+    const char* end = nullptr;
+    for (const auto line : m_lines) {
+        if (line.empty() || withoutBlanks(line).size() != line.size() || (end && line.data() - end > 2))
+            return std::nullopt;
+        end = line.data() + line.size();
+    }
+    if (!end)
+        return std::nullopt;
+    const auto begin = static_cast<std::size_t>(m_lines.front().data() - m_whole.data());
+    const auto text = m_whole.substr(begin, static_cast<std::size_t>(end - m_whole.data()) - begin);
+    for (auto& mark : m_markup) {
+        if (mark.from(begin) < begin + text.size())
+            return std::nullopt;
+    }
+    return text;
+}
+
 void Subtitles::endCue()
 {
-    if (m_isInCue) {
+    while (!m_lines.empty() && isBlank(m_lines.back()))
+        m_lines.pop_back();
+    if (const auto plain = m_isInCue ? plainText() : std::nullopt) {
+        if (!Base::trimmedOfMarks(*plain).empty())
+            m_segments.push_back({ .text = SegmentText::standing(*plain) });
+    } else if (m_isInCue) {
         m_cue.clear();
         for (const auto line : m_lines) {
             const auto text = withoutBlanks(line);
@@ -222,7 +253,8 @@ Extracted readSubtitles(std::string_view file, std::string name, const std::stop
     const auto decoded = decodeText(file);
     const auto text = decoded.text();
     Extracted extracted { .name = std::move(name), .format = FileFormat::srt };
-    Subtitles subtitles(extracted.segments, text.starts_with("WEBVTT"));
+    extracted.source.kept = decoded.converted;
+    Subtitles subtitles(text, extracted.segments);
     std::size_t nextCheck = 0;
     Lines lines(text);
     for (std::string_view line; lines.next(line);) {

@@ -50,9 +50,7 @@ bool Lines::next(std::string_view& line)
 {
     if (m_at >= m_text.size())
         return false;
-    if (m_feed <= m_at)
-        m_feed = std::min(m_text.find('\n', m_at), m_text.size());
-    const auto end = std::min(m_text.substr(0, m_feed).find('\r', m_at), m_feed);
+    const auto end = std::min(m_feeds.from(m_at), m_returns.from(m_at));
     line = m_text.substr(m_at, end - m_at);
     m_at = end + (m_text.substr(end).starts_with("\r\n") ? 2 : 1);
     return true;
@@ -60,9 +58,12 @@ bool Lines::next(std::string_view& line)
 
 std::string_view withoutBlanks(std::string_view text)
 {
-    constexpr std::string_view blanks = " \t\f\v";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
+    const auto isBlankByte = [](char c) { return c == ' ' || c == '\t' || c == '\f' || c == '\v'; };
+    while (!text.empty() && isBlankByte(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlankByte(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 bool isBlank(std::string_view line) { return withoutBlanks(line).empty(); }
