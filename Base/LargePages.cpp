@@ -1,6 +1,5 @@
 #include "Base/LargePages.h"
 
-#include <cstdlib>
 #include <sys/mman.h>
 
 namespace Base {
@@ -20,16 +19,6 @@ void wishForLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size
 }
 
 } // namespace
-
-void* largeMalloc(std::size_t size) noexcept
-{
-    if (size < smallest || size > static_cast<std::size_t>(-1) / 2)
-        return std::malloc(size);
-    auto* const memory = std::aligned_alloc(pageSize, whole(size));
-    if (memory)
-        wishForLargePages(memory, whole(size));
-    return memory;
-}
 
 namespace Detail {
 

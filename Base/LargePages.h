@@ -31,10 +31,6 @@ template <typename Value> struct LargePages {
     bool operator==(const LargePages&) const = default;
 };
 
-// The same for libraries that let their memory be chosen: std::malloc, whose memory std::realloc and
-// std::free take.
-void* largeMalloc(std::size_t size) noexcept;
-
 namespace Detail {
 
 void* largeAllocation(std::size_t size); // Throws std::bad_alloc.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <span>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -11,35 +12,28 @@ namespace Tamberlin {
 
 // The name of an element.
 struct XMLName {
-    explicit XMLName(const char* name)
-    {
-        auto end = name, behindPrefix = name;
-        for (; *end != '\0'; ++end) {
-            if (*end == ':' && behindPrefix == name)
-                behindPrefix = end + 1;
-        }
-        written = { name, end };
-        local = { behindPrefix, end };
-    }
-
     operator std::string_view() const { return written; }
 
     std::string_view written, local; // "w:p", "p".
 };
 
+struct XMLAttribute {
+    std::string_view name, value;
+};
+
 // The attributes of one start tag; they are looked up only when asked for.
 class XMLAttributes {
 public:
-    explicit XMLAttributes(const char* const* pairs)
-        : m_pairs(pairs)
+    explicit XMLAttributes(std::span<const XMLAttribute> attributes)
+        : m_attributes(attributes)
     {
     }
 
     std::optional<std::string_view> find(std::string_view name) const
     {
-        for (auto pair = m_pairs; *pair; pair += 2) {
-            if (isSame(*pair, name))
-                return std::string_view(pair[1]);
+        for (const auto& attribute : m_attributes) {
+            if (attribute.name == name)
+                return attribute.value;
         }
         return std::nullopt;
     }
@@ -47,33 +41,21 @@ public:
     // The value of the attribute written so, else of the first one whose name behind its prefix is this.
     std::optional<std::string_view> findLocal(std::string_view name) const
     {
-        const char* found = nullptr;
-        for (auto pair = m_pairs; *pair; pair += 2) {
-            if (isSame(*pair, name))
-                return std::string_view(pair[1]);
-            const char* local = nullptr; // Behind the last colon.
-            for (auto at = *pair; *at != '\0'; ++at) {
-                if (*at == ':')
-                    local = at + 1;
-            }
-            if (!found && local && isSame(local, name))
-                found = pair[1];
+        const XMLAttribute* found = nullptr;
+        for (const auto& attribute : m_attributes) {
+            if (!attribute.name.ends_with(name))
+                continue;
+            const auto before = attribute.name.size() - name.size();
+            if (before == 0)
+                return attribute.value;
+            if (!found && attribute.name[before - 1] == ':' && name.find(':') == name.npos)
+                found = &attribute;
         }
-        return found ? std::optional<std::string_view>(found) : std::nullopt;
+        return found ? std::optional(found->value) : std::nullopt;
     }
 
 private:
-    // Most differ in their first letters.
-    static bool isSame(const char* written, std::string_view name)
-    {
-        for (const char letter : name) {
-            if (*written++ != letter)
-                return false;
-        }
-        return *written == '\0';
-    }
-
-    const char* const* m_pairs; // Name, value, name, value, null.
+    std::span<const XMLAttribute> m_attributes;
 };
 
 struct XMLLimits {
@@ -88,7 +70,7 @@ std::optional<std::string> parseXML(std::string_view document, const XMLLimits& 
     const std::function<void(const XMLName& element, XMLAttributes attributes)>& onStart,
     const std::function<void(const XMLName& element)>& onEnd,
     const std::function<void(std::string_view text)>& onText = {}, const std::stop_token& cancel = {});
-// The same with a document of less than 1 GB that `write` first writes to where the parser reads it.
+// The same with a document that `write` first writes to where it is read.
 std::optional<std::string> parseXML(std::size_t size, const std::function<void(char* into)>& write,
     const XMLLimits& limits,
     const std::function<void(const XMLName& element, XMLAttributes attributes)>& onStart,
