@@ -1,6 +1,6 @@
 #include "Base/Base64.h"
 
-#include <openssl/evp.h>
+#include <nettle/base64.h>
 
 #include <utility>
 
@@ -8,27 +8,24 @@ namespace Base {
 
 std::string toBase64(std::string_view bytes)
 {
-    std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0'); // One more for the terminator that is written.
-    const auto length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()),
-        reinterpret_cast<const unsigned char*>(bytes.data()), static_cast<int>(bytes.size()));
-    text.resize(static_cast<std::size_t>(length));
+    std::string text(BASE64_ENCODE_RAW_LENGTH(bytes.size()), '\0');
+    base64_encode_raw(text.data(), bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
     return text;
 }
 
 std::optional<std::string> fromBase64(std::string_view text)
 {
-    if (text.size() % 4 != 0 || text.size() > 64 * 1024 * 1024)
+    base64_decode_ctx context;
+    base64_decode_init(&context);
+    std::string bytes(BASE64_DECODE_LENGTH(text.size()), '\0');
+    auto length = bytes.size();
+    if (base64_decode_update(
+            &context, &length, reinterpret_cast<std::uint8_t*>(bytes.data()), text.size(), text.data())
+            != 1
+        || base64_decode_final(&context) != 1)
         return std::nullopt;
-    std::string bytes(text.size() / 4 * 3, '\0');
-    const auto length = EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
-        reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size()));
-    std::size_t padding = 0; // Decoded as zero bytes.
-    while (padding < 2 && padding < text.size() && text[text.size() - 1 - padding] == '=')
-        ++padding;
-    if (length < static_cast<int>(padding))
-        return std::nullopt;
-    bytes.resize(static_cast<std::size_t>(length) - padding);
-    // Blanks around the text and too much padding would pass till here.
+    bytes.resize(length);
+    // Blanks in the text would pass till here.
     return toBase64(bytes) == text ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
