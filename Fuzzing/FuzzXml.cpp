@@ -18,14 +18,15 @@ template <typename Parse> std::string eventsOf(Parse parse)
         isInText = false;
         log += sign;
     };
-    const std::function<void(const XMLName&, XMLAttributes)> onStart = [&](const XMLName& name, XMLAttributes given) {
-        mark("\n<");
-        log.append(name.written).append("|").append(name.local);
-        for (const auto* const attribute : { "a", "w:a", "b", "val", "xmlns" }) {
-            for (const auto& value : { given.find(attribute), given.findLocal(attribute) })
-                log.append(" ").append(value.value_or("-"));
-        }
-    };
+    const std::function<void(const XMLName&, XMLAttributes)> onStart
+        = [&](const XMLName& name, XMLAttributes given) {
+              mark("\n<");
+              log.append(name.written).append("|").append(name.local);
+              for (const auto* const attribute : { "a", "w:a", "b", "val", "xmlns" }) {
+                  for (const auto& value : { given.find(attribute), given.findLocal(attribute) })
+                      log.append(" ").append(value.value_or("-"));
+              }
+          };
     const std::function<void(const XMLName&)> onEnd = [&](const XMLName& name) {
         mark("\n>");
         log.append(name.written).append("|").append(name.local);

@@ -146,7 +146,7 @@ void SentenceReader::look(std::size_t begin, const TextBlock& block)
     const bool followsBlank = begin > 0 && m_text[begin - 1] == ' ';
     const auto doubled = block.spaces & (block.spaces << 1 | (followsBlank ? 1 : 0));
     m_breaks.inBlock = block.lineBreaks;
-    m_odd.inBlock = block.isSimple ? block.oddBlanks | doubled : ~std::uint64_t { 0 };
+    m_odd.inBlock = block.isSimple || block.isCJK ? block.oddBlanks | doubled : ~std::uint64_t { 0 };
     m_lookedTo = begin + TextBlock::size;
 }
 
@@ -224,8 +224,7 @@ bool SentenceReader::joinLines(std::string_view sentence)
             return false;
     }
     const auto holds = [this](char c) { return m_normal.find(c) != m_normal.npos; };
-    return m_normal.front() != ' ' && m_normal.back() != ' ' && !holds('\r') && !holds('\v')
-        && !holds('\f');
+    return m_normal.front() != ' ' && m_normal.back() != ' ' && !holds('\r') && !holds('\v') && !holds('\f');
 }
 
 void SentenceReader::normalize(std::string_view sentence)

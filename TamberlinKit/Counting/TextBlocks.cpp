@@ -27,17 +27,28 @@ bool isSimpleCharacter(char32_t c)
     return c < 0x480 || (c >= 0x2010 && c <= 0x2027) || c == U'‹' || c == U'›' || c == U'€';
 }
 
-// How many bytes behind `position` belong to a simple character that begins before it.
-std::size_t carriedBytes(std::string_view text, std::size_t position)
+// The same for blocks of CJK.
+bool isWideCharacter(char32_t c)
 {
-    if (position == 0 || (text[position - 1] & 0x80) == 0)
-        return 0;
+    const auto isIn = [c](char32_t first, char32_t last) { return c >= first && c <= last; };
+    return isIn(0x4E00, 0x9FFF) || isIn(0x3040, 0x3098) || isIn(0x309B, 0x30FF) || isIn(0xAC00, 0xD77F)
+        || isIn(0x3001, 0x3002) || isIn(0x3008, 0x3011) || isIn(0xFF01, 0xFF0F) || isIn(0xFF1A, 0xFF20);
+}
+
+std::size_t bytesBehind(std::string_view text, std::size_t position)
+{
     for (std::size_t back = 1; back <= std::min<std::size_t>(2, position); ++back) {
         const auto [codePoint, size] = codePointAt(text, position - back);
         if (size > back)
-            return isSimpleCharacter(codePoint) ? size - back : 0;
+            return isSimpleCharacter(codePoint) || isWideCharacter(codePoint) ? size - back : 0;
     }
     return 0;
+}
+
+// How many bytes behind `position` belong to a character of those that begins before it.
+inline std::size_t carriedBytes(std::string_view text, std::size_t position)
+{
+    return position == 0 || (text[position - 1] & 0x80) == 0 ? 0 : bytesBehind(text, position);
 }
 
 namespace OnAnyProcessor {
@@ -148,7 +159,7 @@ void TextBlocks::make(std::size_t index)
         }
         fillTextBlock(block, bytes, carriedBytes(m_text, position));
         if (block.cut > 0 && carriedBytes(m_text, position + TextBlock::size) != block.cut)
-            block.isSimple = false;
+            block.isSimple = block.isCJK = false;
     }
 }
 

@@ -23,8 +23,12 @@ public:
     {
         for (std::size_t at = 0; at < m_text.size();) {
             const auto end = at - at % TextBlock::size + TextBlock::size;
-            if (const auto& block = m_blocks.at(at); block.isSimple && endsApart(end + block.cut)) {
-                takeBlock(block, at);
+            const auto& block = m_blocks.at(at);
+            if ((block.isSimple || block.isCJK) && endsApart(end + block.cut)) {
+                if (block.isSimple)
+                    takeBlock(block, at);
+                else
+                    takeBlockOfCJK(block, at);
                 at = end + block.cut;
                 continue;
             }
@@ -183,17 +187,40 @@ private:
         return at;
     }
 
+    // The bits of what is left of a block.
+    std::uint64_t bitsFrom(std::size_t at) const
+    {
+        const auto skipped = at % TextBlock::size, begin = at - skipped;
+        const auto bits = ~std::uint64_t { 0 } << skipped;
+        const auto length = m_text.size() - begin;
+        return length < TextBlock::size ? bits & ((std::uint64_t { 1 } << length) - 1) : bits;
+    }
+
+    void addCharacters(const TextBlock& block, std::uint64_t all, std::uint64_t separators)
+    {
+        const auto characters = all & ~block.continuations;
+        m_stats.charactersWithSpaces += std::popcount(characters & ~block.lineBreaks);
+        m_stats.charactersNoSpaces += std::popcount(characters & ~separators);
+    }
+
+    // Counts what is left of a block of CJK at once.
+    void takeBlockOfCJK(const TextBlock& block, std::size_t at)
+    {
+        const auto all = bitsFrom(at), separators = all & (block.spaces | block.lineBreaks);
+        addCharacters(block, all, separators);
+        const auto words = std::popcount(all & block.wideWords);
+        m_stats.words += words;
+        m_stats.cjkCharacters += words;
+        flush(at, (separators >> at % TextBlock::size & 1) == 0);
+        m_isAfterCJK = separators < (all ^ separators); // Which has the last character.
+    }
+
     // Counts what is left of a block of simple characters at once.
     void takeBlock(const TextBlock& block, std::size_t at)
     {
-        const auto skipped = at % TextBlock::size, begin = at - skipped;
-        auto all = ~std::uint64_t { 0 } << skipped;
-        if (m_text.size() - begin < TextBlock::size)
-            all &= (std::uint64_t { 1 } << (m_text.size() - begin)) - 1;
-        const auto characters = all & ~block.continuations;
-        const auto separators = all & (block.spaces | block.lineBreaks);
-        m_stats.charactersWithSpaces += std::popcount(characters & ~block.lineBreaks);
-        m_stats.charactersNoSpaces += std::popcount(characters & ~separators);
+        const auto begin = at - at % TextBlock::size;
+        const auto all = bitsFrom(at), separators = all & (block.spaces | block.lineBreaks);
+        addCharacters(block, all, separators);
         if (separators == 0)
             return takeRun(block, all, begin);
         const auto first = std::countr_zero(separators), last = 63 - std::countl_zero(separators);

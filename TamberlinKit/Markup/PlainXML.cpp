@@ -5,7 +5,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace Tamberlin {
 
@@ -17,7 +22,7 @@ constexpr std::size_t betweenChecks = 1024; // Elements.
 
 enum Kind : std::uint8_t {
     nameStart = 1,
-    inName = 2,
+    inName = 2, // Save for colons.
     blank = 4,
     plainText = 8, // Text that stands for itself,
     plainValue = 16, // and what does so in the value of an attribute.
@@ -29,7 +34,9 @@ constexpr auto kinds = [] {
         const bool isLetter = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
         const bool isBlank = byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r';
         if (isLetter || byte == '_' || byte == ':')
-            table[byte] |= nameStart | inName;
+            table[byte] |= nameStart;
+        if (isLetter || byte == '_')
+            table[byte] |= inName;
         if ((byte >= '0' && byte <= '9') || byte == '.' || byte == '-')
             table[byte] |= inName;
         if (isBlank)
@@ -43,13 +50,32 @@ constexpr auto kinds = [] {
     return table;
 }();
 
-bool is(char c, Kind kind) { return (kinds[static_cast<unsigned char>(c)] & kind) != 0; }
+bool isOf(char c, Kind kind) { return (kinds[static_cast<unsigned char>(c)] & kind) != 0; }
 
 const char* passed(const char* at, const char* end, Kind kind)
 {
-    while (at != end && is(*at, kind))
+    while (at != end && isOf(*at, kind))
         ++at;
     return at;
+}
+
+// Texts are mostly longer than names and values, so that it pays to look at many bytes at once.
+const char* passedText(const char* at, const char* end)
+{
+#ifdef __SSE2__
+    const auto is = [](__m128i bytes, char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+    while (end - at >= 16) {
+        const auto bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        const auto isOutside = _mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')); // Below it, or beyond ASCII.
+        const auto isMark = _mm_or_si128(_mm_or_si128(is(bytes, '<'), is(bytes, '&')), is(bytes, ']'));
+        const auto found = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(isOutside, isMark)));
+        at += found == 0 ? 16 : std::countr_zero(found);
+        if (found != 0 && !isOf(*at, plainText))
+            return at;
+        at += found == 0 ? 0 : 1; // A line feed or tab.
+    }
+#endif
+    return passed(at, end, plainText);
 }
 
 } // namespace
@@ -69,6 +95,10 @@ bool PlainXML::read()
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (startsWith(byteOrderMark))
         m_at += byteOrderMark.size();
+    while (m_at != m_end && isOf(m_end[-1], blank))
+        --m_end;
+    if (m_at == m_end || m_end[-1] != '>')
+        return false;
     return readDeclaration() && readAround() && readElement() && readAround() && m_at == m_end;
 }
 
@@ -87,7 +117,7 @@ bool PlainXML::readDeclaration()
             from.remove_prefix(std::min(from.find_first_not_of(" \t\r\n"), from.size()));
             return from.starts_with(what) ? std::optional(from.substr(what.size())) : std::nullopt;
         };
-        const auto value = text.empty() || !is(text.front(), blank) ? std::nullopt : behind(text, name);
+        const auto value = text.empty() || !isOf(text.front(), blank) ? std::nullopt : behind(text, name);
         const auto quoted = value ? behind(*value, "=") : std::nullopt;
         const auto from = quoted ? behind(*quoted, "") : std::nullopt;
         const auto length = expected.size();
@@ -105,7 +135,7 @@ bool PlainXML::readDeclaration()
     says("encoding", "utf-8", true);
     if (!says("standalone", "yes"))
         says("standalone", "no");
-    return std::all_of(text.begin(), text.end(), [](char c) { return is(c, blank); });
+    return std::all_of(text.begin(), text.end(), [](char c) { return isOf(c, blank); });
 }
 
 void PlainXML::skipBlanks() { m_at = passed(m_at, m_end, blank); }
@@ -138,7 +168,7 @@ bool PlainXML::readMarkup()
 {
     if (m_at == m_end)
         return false;
-    if (is(*m_at, nameStart))
+    if (isOf(*m_at, nameStart))
         return readStartTag();
     if (*m_at == '/')
         return readEndTag();
@@ -151,7 +181,7 @@ bool PlainXML::readText()
 {
     const auto* piece = m_at;
     for (;;) {
-        m_at = passed(m_at, m_end, plainText);
+        m_at = passedText(m_at, m_end);
         if (m_at == m_end)
             return false;
         switch (*m_at) {
@@ -184,17 +214,27 @@ bool PlainXML::readText()
     }
 }
 
+// A name, which begins here, and what of it stands behind its first colon.
 bool PlainXML::readName(XMLName& name)
 {
+    const auto passedPiece = [](const char* at) {
+        while (isOf(*at, inName)) // It ends before the document, whose last byte isn't part of any.
+            ++at;
+        return at;
+    };
     const auto* const begin = m_at;
-    if (m_at == m_end || !is(*m_at, nameStart))
-        return false;
-    m_at = passed(m_at, m_end, inName);
-    name.written = { begin, m_at };
-    const auto colon = name.written.find(':');
-    name.local = colon == std::string_view::npos ? name.written : name.written.substr(colon + 1);
+    const auto* local = begin;
+    const auto* at = passedPiece(begin);
+    while (*at == ':') {
+        if (local == begin)
+            local = at + 1;
+        at = passedPiece(at + 1);
+    }
+    m_at = at;
+    name.written = { begin, at };
+    name.local = { local, at };
     // Behind it a character may stand that belongs to the name and isn't ASCII.
-    return m_at != m_end && static_cast<unsigned char>(*m_at) < 0x80;
+    return static_cast<unsigned char>(*at) < 0x80;
 }
 
 // Behind "<".
@@ -202,22 +242,23 @@ bool PlainXML::readStartTag()
 {
     const auto* const begin = m_at;
     XMLName name;
-    if (!readName(name))
+    if (m_at == m_end || !isOf(*m_at, nameStart) || !readName(name))
         return false;
     m_attributes.clear();
     if (!m_decoded.empty())
         m_decoded.clear();
-    while (m_at != m_end && is(*m_at, blank)) {
-        skipBlanks();
-        if (m_at != m_end && is(*m_at, nameStart) && !readAttribute())
+    while (m_at != m_end && isOf(*m_at, blank)) {
+        if (++m_at != m_end && isOf(*m_at, blank)) // Mostly there is one.
+            skipBlanks();
+        if (m_at != m_end && isOf(*m_at, nameStart) && !readAttribute())
             return false;
     }
-    const bool isEmpty = startsWith("/>");
-    if (!isEmpty && !startsWith(">"))
+    const bool isEmpty = m_at != m_end && *m_at == '/';
+    m_at += isEmpty ? 1 : 0;
+    if (m_at == m_end || *m_at++ != '>')
         return false;
-    m_at += isEmpty ? 2 : 1;
-    if (m_at - begin > longestTag || !areDistinct() || m_open.size() >= m_limits.deepest
-        || m_elements >= m_limits.elements)
+    if (m_at - begin > longestTag || (m_attributes.size() > 1 && !areDistinct())
+        || m_open.size() >= m_limits.deepest || m_elements >= m_limits.elements)
         return false;
     if (++m_elements % betweenChecks == 0 && m_cancel.stop_requested())
         throw Cancelled();
@@ -248,11 +289,12 @@ bool PlainXML::readAttribute()
     XMLName name;
     if (!readName(name))
         return false;
-    skipBlanks();
+    if (*m_at != '=')
+        skipBlanks();
     if (m_at == m_end || *m_at != '=')
         return false;
-    ++m_at;
-    skipBlanks();
+    if (++m_at != m_end && isOf(*m_at, blank))
+        skipBlanks();
     auto& attribute = m_attributes.emplace_back();
     attribute.name = name.written;
     return readValue(attribute.value);
@@ -272,7 +314,7 @@ bool PlainXML::readValue(std::string_view& value)
             value = { begin, m_at++ };
             return true;
         }
-        if (*m_at == '&' || is(*m_at, blank))
+        if (*m_at == '&' || isOf(*m_at, blank))
             return decodeValue(begin, quote, value);
         if (*m_at == '"' || *m_at == '\'')
             ++m_at;
@@ -290,7 +332,7 @@ bool PlainXML::decodeValue(const char* from, char quote, std::string_view& value
         if (m_at == m_end || *m_at == '<')
             return false;
         const char c = *m_at;
-        if (c == '&' || c == quote || is(c, blank)) {
+        if (c == '&' || c == quote || isOf(c, blank)) {
             decoded.append(piece, m_at);
             if (c == '&') {
                 if (!readReference(decoded))
@@ -320,10 +362,10 @@ bool PlainXML::readEndTag()
     if (!startsWith(name.written))
         return false;
     m_at += name.written.size();
-    skipBlanks();
-    if (!startsWith(">"))
+    if (m_at != m_end && *m_at != '>')
+        skipBlanks();
+    if (m_at == m_end || *m_at++ != '>')
         return false;
-    ++m_at;
     m_open.pop_back();
     tellEnd(name);
     return true;
@@ -338,7 +380,7 @@ bool PlainXML::readComment()
             m_at += 3;
             return ends;
         }
-        if (is(*m_at, plainText) || is(*m_at, blank) || *m_at == '<' || *m_at == '&' || *m_at == ']')
+        if (isOf(*m_at, plainText) || isOf(*m_at, blank) || *m_at == '<' || *m_at == '&' || *m_at == ']')
             ++m_at;
         else if (!passCharacter())
             return false;
@@ -361,7 +403,7 @@ bool PlainXML::readCData()
             if (!startsWith("\n"))
                 tellText("\n");
             piece = m_at;
-        } else if (is(*m_at, plainText) || *m_at == '<' || *m_at == '&' || *m_at == ']') {
+        } else if (isOf(*m_at, plainText) || *m_at == '<' || *m_at == '&' || *m_at == ']') {
             ++m_at;
         } else if (!passCharacter()) {
             return false;
@@ -394,10 +436,11 @@ bool PlainXML::readReference(std::string& into)
         const bool isDigit = *m_at >= '0' && *m_at <= '9';
         if ((!isDigit && !(isHex && lower >= 'a' && lower <= 'f')) || codePoint > 0x10FFFF)
             return false;
-        codePoint = codePoint * (isHex ? 16 : 10) + static_cast<char32_t>(isDigit ? *m_at - '0' : lower - 'a' + 10);
+        codePoint
+            = codePoint * (isHex ? 16 : 10) + static_cast<char32_t>(isDigit ? *m_at - '0' : lower - 'a' + 10);
     }
-    const bool isCharacter = (codePoint >= 0x20 && codePoint < 0xD800) || codePoint == '\t' || codePoint == '\n'
-        || codePoint == '\r' || (codePoint >= 0xE000 && codePoint < 0xFFFE)
+    const bool isCharacter = (codePoint >= 0x20 && codePoint < 0xD800) || codePoint == '\t'
+        || codePoint == '\n' || codePoint == '\r' || (codePoint >= 0xE000 && codePoint < 0xFFFE)
         || (codePoint >= 0x10000 && codePoint <= 0x10FFFF);
     if (m_at == m_end || m_at == digits || !isCharacter)
         return false;

@@ -3,7 +3,6 @@
 #include "TamberlinKit/Readers/OfficeMarkup.h"
 
 #include <algorithm>
-#include <charconv>
 
 namespace Tamberlin {
 
@@ -39,9 +38,10 @@ std::optional<std::string> SharedStrings::read(const Package& package, std::stri
 // Their number for one that there isn't.
 std::size_t SharedStrings::indexOf(std::string_view number) const
 {
-    std::size_t index = 0;
-    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), index);
-    return error == std::errc() ? std::min(index, m_ends.size()) : m_ends.size();
+    std::size_t index = 0, digits = 0;
+    for (; digits < number.size() && number[digits] >= '0' && number[digits] <= '9'; ++digits)
+        index = std::min(index * 10 + static_cast<std::size_t>(number[digits] - '0'), m_ends.size());
+    return digits > 0 ? index : m_ends.size();
 }
 
 std::optional<std::string_view> SharedStrings::find(std::string_view number) const

@@ -48,11 +48,22 @@ Sequence sequenceAt(std::string_view bytes, std::size_t at)
 // shortest way; gives how many those were.
 std::size_t passUsualSequences(std::string_view bytes, std::size_t& at)
 {
+    const auto isLead = [](std::uint64_t byte) { return byte > 0xE0 && byte < 0xED; };
     std::size_t count = 0;
+    // Two of three bytes each at once.
+    while (std::endian::native == std::endian::little && bytes.size() - at >= 8) {
+        std::uint64_t word;
+        std::memcpy(&word, bytes.data() + at, sizeof word);
+        const bool haveEnds = (word & 0xC0C0'00C0'C000) == 0x8080'0080'8000;
+        if (!haveEnds || !isLead(word & 0xFF) || !isLead(word >> 24 & 0xFF))
+            break;
+        at += 6;
+        count += 2;
+    }
     for (; bytes.size() - at >= 3; ++count) {
         const auto* const next = bytes.data() + at;
         const auto first = static_cast<unsigned char>(next[0]);
-        if (first > 0xE0 && first < 0xED && isContinuation(next[1]) && isContinuation(next[2]))
+        if (isLead(first) && isContinuation(next[1]) && isContinuation(next[2]))
             at += 3;
         else if (first >= 0xC2 && first < 0xE0 && isContinuation(next[1]))
             at += 2;
@@ -65,10 +76,16 @@ std::size_t passUsualSequences(std::string_view bytes, std::size_t& at)
 // Where the next byte above ASCII stands.
 std::size_t endOfAscii(std::string_view bytes, std::size_t at)
 {
-    std::uint64_t word;
-    for (; bytes.size() - at >= sizeof word; at += sizeof word) {
+    constexpr std::uint64_t highBits = 0x8080'8080'8080'8080;
+    std::array<std::uint64_t, 4> words;
+    for (; bytes.size() - at >= sizeof words; at += sizeof words) {
+        std::memcpy(words.data(), bytes.data() + at, sizeof words);
+        if ((words[0] | words[1] | words[2] | words[3]) & highBits)
+            break;
+    }
+    for (std::uint64_t word; bytes.size() - at >= sizeof word; at += sizeof word) {
         std::memcpy(&word, bytes.data() + at, sizeof word);
-        word &= 0x8080'8080'8080'8080;
+        word &= highBits;
         if (word != 0) {
             const bool isLittle = std::endian::native == std::endian::little;
             return at
