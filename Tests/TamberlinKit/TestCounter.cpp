@@ -24,7 +24,7 @@ public:
     {
         std::u32string text;
         for (auto runs = 1 + below(6); runs > 0; --runs) {
-            const auto kind = below(13);
+            const auto kind = below(14);
             for (auto length = 1 + below(longest); length > 0; --length)
                 text += codePoint(kind);
         }
@@ -149,9 +149,20 @@ TEST(Counter, agreesWithPlainRulesOnEveryCharacter)
     for (char32_t c = 1; c < 0x110000; ++c) {
         if (c >= 0xD800 && c <= 0xDFFF)
             continue;
-        const auto text = RandomTexts::utf8({ U'1', c, U' ', c, c, U'漢', c });
-        ASSERT_EQ(stats(text, false, true), reference.stats(text))
+        const auto mixed = RandomTexts::utf8({ U'1', c, U' ', c, c, U'漢', c });
+        ASSERT_EQ(stats(mixed, false, true), reference.stats(mixed))
             << "U+" << std::hex << static_cast<unsigned>(c);
+        if (c > 0xFFFF)
+            continue;
+        // Among those that are counted a block at once, at the blocks' edges, too.
+        const auto latin = RandomTexts::utf8({ U'a', c, U' ', c, U'b', U'.', U' ' }),
+                   wide = RandomTexts::utf8({ U'漢', c, U'、', U'か', c, U'。', U'각' });
+        for (const auto& text : { std::string(61, 'x') + latin, wide + wide + wide + wide + latin }) {
+            ASSERT_EQ(stats(text, false, true), reference.stats(text))
+                << "U+" << std::hex << static_cast<unsigned>(c);
+            ASSERT_EQ(Counter::sentences(text), reference.sentences(text))
+                << "U+" << std::hex << static_cast<unsigned>(c);
+        }
     }
 }
 
