@@ -51,10 +51,6 @@ std::size_t endOfNormal(std::string_view text, std::size_t at)
     return end;
 }
 
-// Whether a text is as it would be normalized: single blanks between words, none at its ends, and in NFC.
-// Where that is hard to tell the answer is no.
-bool isInNormalForm(std::string_view text) { return !text.empty() && endOfNormal(text, 0) == text.size(); }
-
 const icu::Normalizer2& composition()
 {
     static const auto* const normalizer = [] {
@@ -67,13 +63,46 @@ const icu::Normalizer2& composition()
     return *normalizer;
 }
 
-// Texts that Unicode holds for the same become the same.
-void compose(std::string& text)
+bool isComposed(std::string_view text)
 {
     UErrorCode status = U_ZERO_ERROR;
     const icu::StringPiece piece(text.data(), static_cast<std::int32_t>(text.size()));
-    if (composition().isNormalizedUTF8(piece, status) || U_FAILURE(status))
+    return composition().isNormalizedUTF8(piece, status) && U_SUCCESS(status);
+}
+
+// Whether the blanks of a text, from one on, are single spaces between characters that don't join them.
+bool haveSingleBlanks(std::string_view text, std::size_t at)
+{
+    bool isBehindBlank = false;
+    for (; at < text.size();) {
+        const auto [codePoint, size] = codePointAt(text, at);
+        const auto properties = propertiesOf(codePoint);
+        const bool isBlankPoint
+            = properties.kind() == CharacterKind::space || properties.kind() == CharacterKind::lineBreak;
+        if (isBlankPoint ? codePoint != U' ' || isBehindBlank : isBehindBlank && !properties.standsAlone())
+            return false;
+        isBehindBlank = isBlankPoint;
+        at += size;
+    }
+    return !isBehindBlank;
+}
+
+// Whether a text is as it would be normalized: single blanks between words, none at its ends, and in NFC.
+// Where that is hard to tell the answer is no.
+bool isInNormalForm(std::string_view text)
+{
+    const auto ordinary = endOfNormal(text, 0);
+    return ordinary > 0
+        && (ordinary == text.size() || (haveSingleBlanks(text, ordinary) && isComposed(text)));
+}
+
+// Texts that Unicode holds for the same become the same.
+void compose(std::string& text)
+{
+    if (isComposed(text))
         return;
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::StringPiece piece(text.data(), static_cast<std::int32_t>(text.size()));
     std::string composed;
     icu::StringByteSink<std::string> sink(&composed);
     composition().normalizeUTF8(0, piece, sink, nullptr, status);

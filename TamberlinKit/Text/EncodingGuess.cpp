@@ -48,22 +48,26 @@ Sequence sequenceAt(std::string_view bytes, std::size_t at)
 // shortest way; gives how many those were.
 std::size_t passUsualSequences(std::string_view bytes, std::size_t& at)
 {
-    const auto isLead = [](std::uint64_t byte) { return byte > 0xE0 && byte < 0xED; };
+    // Begins a valid sequence of three bytes, if the next two are continuations.
+    const auto begins = [](std::uint64_t first, std::uint64_t second) {
+        return (first > 0xE0 && first < 0xED) || (first == 0xE0 && second >= 0xA0);
+    };
     std::size_t count = 0;
     // Two of three bytes each at once.
     while (std::endian::native == std::endian::little && bytes.size() - at >= 8) {
         std::uint64_t word;
         std::memcpy(&word, bytes.data() + at, sizeof word);
         const bool haveEnds = (word & 0xC0C0'00C0'C000) == 0x8080'0080'8000;
-        if (!haveEnds || !isLead(word & 0xFF) || !isLead(word >> 24 & 0xFF))
+        if (!haveEnds || !begins(word & 0xFF, word >> 8 & 0xFF)
+            || !begins(word >> 24 & 0xFF, word >> 32 & 0xFF))
             break;
         at += 6;
         count += 2;
     }
     for (; bytes.size() - at >= 3; ++count) {
         const auto* const next = bytes.data() + at;
-        const auto first = static_cast<unsigned char>(next[0]);
-        if (isLead(first) && isContinuation(next[1]) && isContinuation(next[2]))
+        const auto first = static_cast<unsigned char>(next[0]), second = static_cast<unsigned char>(next[1]);
+        if (begins(first, second) && isContinuation(next[1]) && isContinuation(next[2]))
             at += 3;
         else if (first >= 0xC2 && first < 0xE0 && isContinuation(next[1]))
             at += 2;
