@@ -4,6 +4,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+
 namespace {
 
 using Pallisande::CommandLine::Command;
@@ -23,6 +27,38 @@ int finish()
                                                                 : refuse("The output couldn’t be written.");
 }
 
+// Setting up all verbs takes as long as counting a short document; mostly the first argument says which one
+// it will be.
+void addVerbs(CLI::App& app, Command& command, std::string_view argument)
+{
+    using namespace Pallisande::CommandLine;
+    struct Group {
+        std::array<std::string_view, 2> verbs;
+        void (*add)(CLI::App&, Command&);
+    };
+    static constexpr Group groups[] {
+        { { "profile", "series" }, &addProfileVerbs },
+        { { "count" }, &addCountVerb },
+        { { "options", "card" }, &addCountingVerbs },
+        { { "analysis" }, &addAnalysisVerbs },
+        { { "client" }, &addClientVerbs },
+        { { "job", "deadlines" }, &addJobVerbs },
+        { { "invoice" }, &addInvoiceVerbs },
+        { { "payment" }, &addPaymentVerbs },
+        { { "rates" }, &addRateVerbs },
+        { { "library" }, &addLibraryVerbs },
+        { { "demo" }, &addDemoVerb },
+    };
+    const auto* const chosen
+        = std::find_if(std::begin(groups), std::end(groups), [argument](const Group& group) {
+              return !argument.empty() && (group.verbs[0] == argument || group.verbs[1] == argument);
+          });
+    for (const auto& group : groups) {
+        if (chosen == std::end(groups) || &group == chosen)
+            group.add(app, command);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -37,17 +73,7 @@ int main(int argc, char** argv)
     app.set_version_flag("--version", std::string("pallisande-cli " PALLISANDE_VERSION));
     app.require_subcommand(1);
     app.fallthrough();
-    addProfileVerbs(app, command);
-    addCountVerb(app, command);
-    addCountingVerbs(app, command);
-    addAnalysisVerbs(app, command);
-    addClientVerbs(app, command);
-    addJobVerbs(app, command);
-    addInvoiceVerbs(app, command);
-    addPaymentVerbs(app, command);
-    addRateVerbs(app, command);
-    addLibraryVerbs(app, command);
-    addDemoVerb(app, command);
+    addVerbs(app, command, argc > 1 ? argv[1] : "");
 
     try {
         app.parse(argc, argv);
