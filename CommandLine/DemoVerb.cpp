@@ -1,6 +1,6 @@
 #include "CommandLine/Command.h"
 
-#include "PallisandeKit/Samples/Demonstration.h"
+#include "PallisandeKit/Samples/SampleLibrary.h"
 
 namespace Pallisande::CommandLine {
 
@@ -8,7 +8,7 @@ namespace {
 
 void demonstrate(Command& command, const std::string& folder)
 {
-    const auto told = makeDemonstration(folder, command.services());
+    const auto told = makeSampleFolder(folder, command.services());
     for (const auto& line : told)
         Command::put(line + "\n");
 }

@@ -277,7 +277,7 @@ private:
     double axis() const { return m_sheet.right - sideWidth; }
 
     const Tamberlin::PrintedDocument& m_document;
-    Sheet m_sheet;
+    PaperSheet m_sheet;
     TypeSetter m_setter;
     double m_footerHeight;
     PageFlow m_flow;

@@ -13,7 +13,7 @@ namespace Pallisande {
 
 // A document laid out on pages, for whatever they are drawn on: a PDF, a printer, a preview.
 struct DocumentLayout {
-    Sheet sheet;
+    PaperSheet sheet;
     QImage logo; // Null when there is none.
     std::vector<Page> pages;
     std::string missingCharacters; // Those that no font has, each once; such a document is not to be issued.

@@ -27,7 +27,7 @@ double rowHeight(const Bands& bands) { return bands.empty() ? 0 : bands.height()
 
 } // namespace
 
-ItemTable::ItemTable(const Tamberlin::PrintedDocument& document, TypeSetter& setter, const Sheet& sheet)
+ItemTable::ItemTable(const Tamberlin::PrintedDocument& document, TypeSetter& setter, const PaperSheet& sheet)
     : m_sheet(sheet)
 {
     const auto& heads = document.heads;

@@ -12,7 +12,7 @@ namespace Pallisande {
 // piece, the heads are repeated, and the sum so far is carried over.
 class ItemTable {
 public:
-    ItemTable(const Tamberlin::PrintedDocument& document, TypeSetter& setter, const Sheet& sheet);
+    ItemTable(const Tamberlin::PrintedDocument& document, TypeSetter& setter, const PaperSheet& sheet);
 
     // What must stand together at the table’s beginning: head and first row. `following` is the height of
     // what must stay with the last row.
@@ -42,7 +42,7 @@ private:
     Spot placeRow(PageFlow& flow, const Bands& bands, Spot spot) const;
     Spot nextPage(PageFlow& flow, Spot spot) const;
 
-    Sheet m_sheet;
+    PaperSheet m_sheet;
     std::array<Place, columnCount> m_places;
     Bands m_head;
     double m_headHeight = 0; // With the rule below it.

@@ -5,7 +5,7 @@
 
 namespace Pallisande {
 
-PageFlow::PageFlow(const Sheet& sheet, double bodyBottom)
+PageFlow::PageFlow(const PaperSheet& sheet, double bodyBottom)
     : m_sheet(sheet)
     , m_bottom(bodyBottom)
 {

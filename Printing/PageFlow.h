@@ -22,7 +22,7 @@ struct Spot {
 class PageFlow {
 public:
     // `bodyBottom` is where the footer begins.
-    PageFlow(const Sheet& sheet, double bodyBottom);
+    PageFlow(const PaperSheet& sheet, double bodyBottom);
 
     double room(const Spot& spot) const { return m_bottom - spot.y; }
     double wholeRoom() const { return m_bottom - m_sheet.top; }
@@ -42,7 +42,7 @@ public:
     std::vector<Page>& pages() { return m_pages; }
 
 private:
-    Sheet m_sheet;
+    PaperSheet m_sheet;
     double m_bottom;
     std::vector<Page> m_pages { 1 };
 };

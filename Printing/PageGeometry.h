@@ -10,7 +10,7 @@ constexpr double points(double count) { return count * 10; }
 constexpr double millimetres(double count) { return points(count * 72 / 25.4); }
 
 // A sheet of paper and the edges of the area that is printed on.
-struct Sheet {
+struct PaperSheet {
     double width;
     double height;
     double left;
@@ -20,7 +20,7 @@ struct Sheet {
     double windowTop; // Where the window of an envelope begins.
 };
 
-constexpr Sheet sheetOf(Tamberlin::Paper paper)
+constexpr PaperSheet sheetOf(Tamberlin::Paper paper)
 {
     if (paper == Tamberlin::Paper::letter)
         return { millimetres(215.9), millimetres(279.4), millimetres(19), millimetres(19),

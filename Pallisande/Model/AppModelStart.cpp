@@ -208,9 +208,6 @@ void AppModel::moveLibrary(const fs::path& target)
         return open(target);
     }
     try {
-        // A library that can't be taken over is refused before anything is moved.
-        if (const LibraryStore store(target); store.exists())
-            store.load(moment());
         m_session->moveTo(target);
     } catch (const SessionError& error) {
         refuse(error.what());

@@ -283,6 +283,34 @@ bool ClientSection::edit(const Base::Uuid& id, const std::string& name,
     });
 }
 
+bool ClientSection::keepRates(const Client& before)
+{
+    const auto effect = priceEffect(before.id, [&](Client& client) { client = before; });
+    Edit edit { .name = "Keep Rate" };
+    for (const auto& job : effect.jobs)
+        edit.touches.push_back({ RecordKind::job, job });
+    return m_model.change(edit, [&](Library& library) {
+        for (const auto& id : effect.jobs) {
+            auto job = *m_model.job(id);
+            if (job.rateOverride)
+                continue;
+            job.rateOverride = JobPricing::terms(before, job.pair).rate;
+            Ledger::replaceJob(library, std::move(job), m_model.moment().now);
+        }
+    });
+}
+
+std::map<std::string, std::int64_t> ClientSection::otherDraftCurrencies(const Base::Uuid& id) const
+{
+    std::map<std::string, std::int64_t> counts;
+    const auto* const client = m_model.client(id);
+    for (const auto& invoice : m_model.library().invoices) {
+        if (client && invoice.clientID == id && !invoice.isIssued() && invoice.currency != client->currency)
+            ++counts[invoice.currency];
+    }
+    return counts;
+}
+
 bool ClientSection::setArchived(const Base::Uuid& id, bool archived)
 {
     return m_model.change({ .name = archived ? "Archive Client" : "Unarchive Client",

@@ -65,6 +65,11 @@ public:
     // `keepsRates`: jobs in the effect get the rate of before as their own.
     bool edit(const Base::Uuid& id, const std::string& name, const std::function<void(Client&)>& change,
         bool keepsRates = false);
+    // After the client was changed from `before`: jobs whose price that changed get their old rate as their
+    // own.
+    bool keepRates(const Client& before);
+    // The currencies of drafts that were made before the client's changed.
+    std::map<std::string, std::int64_t> otherDraftCurrencies(const Base::Uuid& id) const;
     bool setArchived(const Base::Uuid& id, bool archived);
     bool remove(const Base::Uuid& id);
 

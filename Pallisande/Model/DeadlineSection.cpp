@@ -36,13 +36,13 @@ DeadlineCard DeadlineSection::card(const Job& job, const Base::Moment& moment) c
 {
     const auto& formats = m_model.formats();
     const auto* const client = m_model.client(job.clientID);
-    const auto& figures = m_model.index().figures(m_model.library(), job);
+    const auto& figures = m_model.jobs().figures(job);
     DeadlineCard card { .id = job.id,
         .title = jobTitle(job),
         .isUntitled = job.title.empty(),
         .clientAndPair = client ? client->name : "",
         .status = job.status,
-        .price = client && figures.hasPrice ? formats.money(figures.net, client->currency) : "no price yet",
+        .price = figures.hasPrice ? formats.money(figures.net, figures.currency) : "no price yet",
         .hasProblems = figures.hasProblems };
     if (const auto pair = job.pair.text(); !pair.empty())
         card.clientAndPair += (card.clientAndPair.empty() ? "" : " · ") + pair;
@@ -98,7 +98,7 @@ const DeadlineBoard& DeadlineSection::board() const
                 { .clientID = job->clientID, .client = client ? client->name : "", .summary = delivered });
             groupSums.emplace_back();
         }
-        const auto net = m_model.index().figures(m_model.library(), *job).net;
+        const auto net = m_model.jobs().figures(*job).net;
         const auto currency = client ? client->currency : "";
         groupSums[static_cast<std::size_t>(group - board.delivered.begin())][currency] += net;
         all[currency] += net;

@@ -135,6 +135,9 @@ void DocumentCounts::wasCounted(const std::shared_ptr<Run>& run)
         m_model.refuse(std::string(nothingCounted));
         return;
     }
+    if (!run->areChosen && m_finished) // What couldn't be counted is told of all the same.
+        run->batch->failures.insert(run->batch->failures.begin(), m_finished->batch.failures.begin(),
+            m_finished->batch.failures.end());
     m_finished = { m_purpose, m_jobID, std::move(run->paths), std::move(*run->batch) };
     emit m_model.countingChanged();
     if (run->areChosen && m_purpose == Purpose::target && m_jobID)
@@ -158,6 +161,22 @@ std::optional<Base::Decimal> DocumentCounts::priceFor(const NewJob& entry) const
         .pair = entry.pair,
         .analyses = { FileCounting::analysis(m_finished->batch, m_model.moment().now) } });
     return price.subtotal + price.minimumAdjustment;
+}
+
+std::optional<Base::Decimal> DocumentCounts::priceWith(const Base::Uuid& jobID) const
+{
+    const auto* const job = m_finished ? m_model.job(jobID) : nullptr;
+    if (!job)
+        return std::nullopt;
+    auto priced = *job;
+    priced.analyses.push_back(FileCounting::analysis(m_finished->batch, m_model.moment().now));
+    const auto price = m_model.jobs().price(priced);
+    return price.subtotal + price.minimumAdjustment;
+}
+
+BandCounts DocumentCounts::totals() const
+{
+    return m_finished ? FileCounting::analysis(m_finished->batch, {}).totals() : BandCounts();
 }
 
 bool DocumentCounts::makeJob(const NewJob& entry)

@@ -45,6 +45,8 @@ public:
     // Only these of the files: counted again, since what repeats depends on what is left.
     void take(const std::vector<std::filesystem::path>& paths);
     std::optional<Base::Decimal> priceFor(const NewJob& job) const; // Before tax, on the rates of its client.
+    std::optional<Base::Decimal> priceWith(const Base::Uuid& jobID) const; // Of a job, with the counts.
+    BandCounts totals() const;
     bool isApproximate() const;
 
     bool makeJob(const NewJob& job); // From the sheet, with the counts attached.

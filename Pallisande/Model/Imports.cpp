@@ -2,6 +2,7 @@
 
 #include "Pallisande/Model/AppModel.h"
 #include "Pallisande/Model/JobSection.h"
+#include "Pallisande/Model/RememberedMappings.h"
 
 #include "Base/DurableFile.h"
 #include "PallisandeKit/Analyses/Importer.h"
@@ -127,6 +128,8 @@ void Imports::wasRead(const std::shared_ptr<Reading>& reading)
 void Imports::review(PendingImport pending)
 {
     m_pending = std::move(pending);
+    if (auto* const asked = std::get_if<NeedsMapping>(&m_pending->result))
+        RememberedMappings(*m_model.services().preferences).offer(asked->table.guess);
     if (!m_model.sheet())
         m_model.openSheet(ReviewSheet {});
     emit m_model.importChanged();
@@ -140,6 +143,10 @@ void Imports::map(const ColumnMapping& mapping)
     reading->pending = *m_pending;
     reading->now = m_model.moment().now;
     reading->mapping = mapping;
+    if (const auto* const asked = std::get_if<NeedsMapping>(&m_pending->result))
+        reading->pending.mapped = *asked;
+    if (auto& mapped = reading->pending.mapped)
+        mapped->table.guess = mapping;
     m_isReading = true;
     m_model.inBackground([reading] { reading->run(); },
         [this, reading] {
@@ -150,8 +157,51 @@ void Imports::map(const ColumnMapping& mapping)
             if (failed || !reading->failure.empty())
                 m_model.refuse(failed ? failed->message : reading->failure);
             else
-                m_pending->result = std::move(reading->pending.result);
+                m_pending = std::move(reading->pending);
             emit m_model.importChanged();
+        });
+}
+
+void Imports::mapOtherwise()
+{
+    if (!m_pending || !m_pending->mapped || m_isReading)
+        return;
+    m_pending->result = *m_pending->mapped;
+    emit m_model.importChanged();
+}
+
+void Imports::preview(const ColumnMapping& mapping, std::function<void(const Preview&)> answer)
+{
+    struct Question {
+        std::string data, name;
+        ColumnMapping mapping;
+        Preview preview;
+
+        void run()
+        {
+            try {
+                preview.labels = mapping.labels = Importer::labelsOf(data, mapping);
+                const auto result = Importer::importMapped(data, name, mapping, {});
+                if (const auto* const analysis = std::get_if<Analysis>(&result)) {
+                    preview.files = analysis->rows.size();
+                    preview.totals = analysis->totals();
+                } else {
+                    preview.refusal = std::get<ImportFailed>(result).message;
+                }
+            } catch (const std::exception& error) {
+                preview.refusal = error.what();
+            }
+        }
+    };
+    if (!m_pending || !m_pending->data)
+        return;
+    const auto question
+        = std::make_shared<Question>(Question { *m_pending->data, m_pending->fileName, mapping, {} });
+    const auto number = ++m_previews;
+    m_model.inBackground([question] { question->run(); },
+        [this, question, number, answer = std::move(answer)] {
+            if (number == m_previews && m_pending)
+                answer(question->preview);
         });
 }
 
@@ -214,6 +264,8 @@ bool Imports::accept(bool replacesOthers)
                 throw;
             }
         });
+    if (isDone && pending.mapped)
+        RememberedMappings(*m_model.services().preferences).keep(pending.mapped->table.guess);
     if (isDone)
         discard();
     return isDone;

@@ -5,6 +5,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -25,6 +26,7 @@ struct PendingImport {
     std::size_t number = 1, count = 1; // “Report 1 of 3”
     std::optional<Base::Uuid> replaces; // An analysis that is mapped again.
     bool isThereAlready = false; // By its name or its bytes: replacing is the likelier wish.
+    std::optional<NeedsMapping> mapped; // What the user was asked, and the answer in the place of the guess.
 };
 
 // Reports of CAT tools on their way to a job. Files are read and understood off the main thread; several are
@@ -43,6 +45,15 @@ public:
     const std::optional<PendingImport>& pending() const { return m_pending; }
     // What a table's columns hold; a table that can't be read so stays to be mapped.
     void map(const ColumnMapping& mapping);
+    void mapOtherwise(); // Back from the analysis to the columns.
+    // What a mapping would give, worked out off the main thread. Only the last question is answered.
+    struct Preview {
+        std::vector<MappedLabel> labels; // Of the label column, those not spoken of yet with a guess.
+        std::size_t files = 0;
+        BandCounts totals;
+        std::string refusal;
+    };
+    void preview(const ColumnMapping& mapping, std::function<void(const Preview&)> answer);
     void chooseAnother(); // In the place of a report that couldn't be read.
     // What the job would cost, before tax, with the report.
     std::optional<Base::Decimal> priceWith(bool replacesOthers) const;
@@ -64,6 +75,7 @@ private:
     std::deque<std::filesystem::path> m_waiting;
     std::size_t m_number = 0, m_count = 0;
     bool m_isReading = false;
+    std::size_t m_previews = 0;
 };
 
 } // namespace Pallisande

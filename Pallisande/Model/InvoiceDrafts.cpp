@@ -55,8 +55,7 @@ std::vector<InvoiceOffer> InvoiceSection::offers() const
             sums.emplace_back();
         }
         offer->jobs.push_back(job->id);
-        sums[static_cast<std::size_t>(offer - offers.begin())]
-            += m_model.index().figures(m_model.library(), *job).net;
+        sums[static_cast<std::size_t>(offer - offers.begin())] += m_model.jobs().figures(*job).net;
     }
     for (std::size_t place = 0; place < offers.size(); ++place) {
         const auto* const client = m_model.client(offers[place].clientID);
@@ -202,6 +201,24 @@ Invoice withClient(Invoice draft, const Client& client, const Profile& profile)
 }
 
 } // namespace
+
+bool InvoiceSection::makeBlankDraft(const Base::Uuid& clientID)
+{
+    const auto moment = m_model.moment();
+    const bool isDone = m_model.change({ .name = "Make Draft" }, [&](Library& library) {
+        const auto* const client = library.client(clientID);
+        if (!client)
+            throw LedgerError::notFound();
+        const Invoice blank { .id = Base::Uuid::random(),
+            .clientID = clientID,
+            .currency = client->currency,
+            .created = moment.now };
+        library.invoices.push_back(withClient(blank, *client, library.profile));
+    });
+    if (isDone)
+        m_model.show(AppSection::invoices, m_model.lastOutcome().addedInvoices.front());
+    return isDone;
+}
 
 bool InvoiceSection::clientIsOutdated(const Invoice& draft) const
 {

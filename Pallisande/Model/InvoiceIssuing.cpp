@@ -90,6 +90,29 @@ IssueOutlook InvoiceSection::outlook(
     return outlook;
 }
 
+Base::Instant InvoiceSection::dueDate(const Invoice& draft, Base::Instant issueDate) const
+{
+    const auto& calendar = m_model.services().calendar;
+    const auto* const client = m_model.client(draft.clientID);
+    const auto days = client ? client->paymentDays : 0;
+    return calendar.noon(
+        draft.dueDate ? calendar.day(*draft.dueDate) : calendar.day(issueDate).plusDays(days));
+}
+
+Tamberlin::PrintedDocument InvoiceSection::documentToIssue(
+    const Invoice& draft, Base::Instant issueDate, std::optional<Base::Instant> dueDate) const
+{
+    auto shown = draft;
+    try {
+        shown = Ledger::planIssue(m_model.library(), draft.id, issueDate, m_model.moment()).document;
+    } catch (const LedgerError&) {
+        shown.issueDate = issueDate;
+    }
+    if (dueDate && draft.kind == DocumentKind::invoice)
+        shown.dueDate = dueDate;
+    return document(shown);
+}
+
 void InvoiceSection::issue(
     const Base::Uuid& id, Base::Instant issueDate, std::optional<Base::Instant> dueDate)
 {
@@ -187,9 +210,24 @@ bool InvoiceSection::makeCreditNote(const Base::Uuid& id)
     return isDone;
 }
 
+std::vector<Base::Uuid> InvoiceSection::creditNotes(const Base::Uuid& invoiceID) const
+{
+    std::vector<Base::Uuid> ids;
+    for (const auto& invoice : m_model.library().invoices) {
+        if (invoice.creditsInvoiceID == invoiceID)
+            ids.push_back(invoice.id);
+    }
+    return ids;
+}
+
+Base::Decimal InvoiceSection::leftToCredit(const Invoice& invoice) const
+{
+    return invoice.total() - m_model.index().credited(m_model.library(), invoice.id);
+}
+
 // --- Stored PDFs
 
-void InvoiceSection::withStoredPDF(const Base::Uuid& id, std::function<void(const StoredPDF&)> then)
+void InvoiceSection::examineStoredPDF(const Base::Uuid& id, std::function<void(const StoredPDF&)> then)
 {
     auto* const session = m_model.session();
     if (!session)
@@ -198,7 +236,8 @@ void InvoiceSection::withStoredPDF(const Base::Uuid& id, std::function<void(cons
     try {
         stored->path = session->storedPDF(id);
     } catch (const std::exception& error) {
-        m_model.refuse(error.what(), Problem::Action::showLibraryFolder);
+        stored->failure = error.what();
+        then(*stored);
         return;
     }
     m_model.inBackground(
@@ -215,6 +254,16 @@ void InvoiceSection::withStoredPDF(const Base::Uuid& id, std::function<void(cons
             }
         },
         [stored, then = std::move(then)] { then(*stored); });
+}
+
+void InvoiceSection::withStoredPDF(const Base::Uuid& id, std::function<void(const StoredPDF&)> then)
+{
+    examineStoredPDF(id, [this, then = std::move(then)](const StoredPDF& stored) {
+        if (stored.failure.empty())
+            then(stored);
+        else
+            m_model.refuse(stored.failure, Problem::Action::showLibraryFolder);
+    });
 }
 
 void InvoiceSection::openStoredPDF(const Base::Uuid& id)

@@ -129,6 +129,7 @@ InvoiceRow InvoiceSection::row(const Base::Uuid& id) const
     const auto today = moment.calendar.day(moment.now);
     InvoiceRow row { .id = id,
         .title = invoice->number.value_or("Draft"),
+        .client = invoice->client.name,
         .total = m_model.formats().money(invoice->total(), invoice->currency),
         .status = status(*invoice) };
     const auto date = invoice->isIssued() ? invoice->issueDate.value_or(invoice->created) : invoice->created;

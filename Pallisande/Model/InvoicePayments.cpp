@@ -1,6 +1,8 @@
 #include "Pallisande/Model/AppModel.h"
 #include "Pallisande/Model/InvoiceSection.h"
 
+#include "TamberlinKit/Quotes/Money.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -51,6 +53,17 @@ Payment InvoiceSection::payment(const Invoice& invoice, const PaymentEntry& entr
             .recordedAt = moment.now };
     }
     return payment;
+}
+
+std::optional<Base::Decimal> InvoiceSection::bankKept(const Invoice& invoice, const Base::Decimal& amount,
+    const std::optional<Base::Decimal>& receivedHome, const std::optional<Base::Decimal>& rate)
+{
+    const bool isForeign = invoice.currency != invoice.homeCurrency;
+    if (!receivedHome || (isForeign && !rate))
+        return std::nullopt;
+    const auto worth
+        = isForeign ? Tamberlin::Money::roundToCurrency(amount * *rate, invoice.homeCurrency) : amount;
+    return worth - *receivedHome;
 }
 
 bool InvoiceSection::recordPayment(const Base::Uuid& id, const PaymentEntry& entry)
@@ -141,6 +154,20 @@ std::optional<ExchangeRate> InvoiceSection::rateFor(const Invoice& invoice, Base
     const auto& library = m_model.library();
     const auto& home = invoice.isIssued() ? invoice.homeCurrency : library.profile.homeCurrency;
     return library.rates.rate(invoice.currency, home, day, m_model.moment());
+}
+
+std::optional<Base::Decimal> InvoiceSection::ecbRate(
+    const std::string& from, const std::string& to, Base::Instant day) const
+{
+    const auto& calendar = m_model.services().calendar;
+    const auto& days = m_model.library().rates.ecb;
+    for (auto latest = days.rbegin(); latest != days.rend(); ++latest) {
+        if (calendar.day(latest->date) > calendar.day(day))
+            continue;
+        if (const auto rate = latest->rate(from, to))
+            return rate;
+    }
+    return std::nullopt;
 }
 
 std::string InvoiceSection::rateText(const ExchangeRate& rate) const

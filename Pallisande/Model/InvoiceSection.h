@@ -35,6 +35,7 @@ struct InvoiceRow {
     Base::Uuid id;
     std::string title; // The number, or “Draft”.
     std::string subtitle; // "Nordwind · 2 Feb", of a draft "Nordwind · made 9 Mar".
+    std::string client; // With which the subtitle begins; what may be cut short.
     std::string total; // With its currency.
     InvoiceStatus status = InvoiceStatus::draft;
     std::string chip; // "Overdue 5 days"
@@ -95,6 +96,7 @@ public:
     // --- Drafts (InvoiceDrafts.cpp, InvoiceLines.cpp)
     std::vector<InvoiceOffer> offers() const;
     bool makeDraft(std::span<const Base::Uuid> jobs); // Which is then shown.
+    bool makeBlankDraft(const Base::Uuid& clientID);
     std::vector<Base::Uuid> otherDelivered(const Invoice& draft) const; // Jobs that could be on it too.
     bool addJobs(const Base::Uuid& id, std::span<const Base::Uuid> jobs);
     bool edit(const Base::Uuid& id, const std::string& name, const std::function<void(Invoice&)>& change);
@@ -124,22 +126,42 @@ public:
     bool isIssuing() const { return m_issuing.has_value(); }
     bool makeCreditNote(const Base::Uuid& id);
 
+    // The day on which a draft that is issued then will be due.
+    Base::Instant dueDate(const Invoice& draft, Base::Instant issueDate) const;
+    // As it would be printed when it is issued so; as a draft while that is refused.
+    Tamberlin::PrintedDocument documentToIssue(
+        const Invoice& draft, Base::Instant issueDate, std::optional<Base::Instant> dueDate) const;
+    std::vector<Base::Uuid> creditNotes(const Base::Uuid& invoiceID) const; // Drafts too.
+    Base::Decimal leftToCredit(const Invoice& invoice) const;
+
     struct StoredPDF {
         std::filesystem::path path;
         bool isAsIssued = false; // By the hash in the issue log.
+        std::string failure; // Why it can't be had; empty: it is there.
     };
+    void examineStoredPDF(const Base::Uuid& id, std::function<void(const StoredPDF&)> then);
     // Tells when the file is missing; compares it off the main thread.
     void withStoredPDF(const Base::Uuid& id, std::function<void(const StoredPDF&)> then);
     void openStoredPDF(const Base::Uuid& id);
     void showStoredPDF(const Base::Uuid& id);
 
+    // --- Words (InvoiceWords.cpp)
+    std::string stateText(const Invoice& invoice) const; // "issued 2 Feb 2026 · due 4 Mar 2026 (5 days ago)"
+    std::string reminderText(const Invoice& invoice) const; // Of a payment, for the client.
+    void email(const Base::Uuid& id); // The user's mail program, with a letter that says what is attached.
+
     // --- Payments and rates (InvoicePayments.cpp)
+    // The part of a payment that didn't arrive in the home currency; nothing when that isn't known.
+    static std::optional<Base::Decimal> bankKept(const Invoice& invoice, const Base::Decimal& amount,
+        const std::optional<Base::Decimal>& receivedHome, const std::optional<Base::Decimal>& rate);
     bool recordPayment(const Base::Uuid& id, const PaymentEntry& entry);
     bool editPayment(const Base::Uuid& id, const Base::Uuid& payment, const PaymentEntry& entry);
     bool removePayment(const Base::Uuid& id, const Base::Uuid& payment);
     bool payInFull(std::span<const Base::Uuid> ids, Base::Instant date);
     bool lacksRate(const Invoice& invoice) const;
     std::optional<ExchangeRate> rateFor(const Invoice& invoice, Base::Instant day) const;
+    std::optional<Base::Decimal> ecbRate(
+        const std::string& from, const std::string& to, Base::Instant day) const; // Whatever was typed.
     std::string rateText(const ExchangeRate& rate) const; // "1 GBP = 1.171200 EUR · ECB, 9 Mar 2026"
     bool addExchangeRate(const Base::Uuid& id); // The stored one of its day, or the sheet for one.
     // From the sheet; goes to the document that asked for it, too.

@@ -2,6 +2,7 @@
 #include "Pallisande/Model/JobSection.h"
 
 #include <algorithm>
+#include <set>
 
 // What a job consists of: its extra lines and its analyses.
 namespace Pallisande {
@@ -97,6 +98,42 @@ bool JobSection::typeCounts(const Base::Uuid& id, const std::string& name, const
     if (isDone)
         m_model.closeSheet();
     return isDone;
+}
+
+std::optional<Base::Decimal> JobSection::priceWith(
+    const Base::Uuid& id, const BandCounts& counts, std::optional<Base::Uuid> replaced) const
+{
+    const auto* const job = m_model.job(id);
+    if (!job || !m_model.client(job->clientID))
+        return std::nullopt;
+    auto with = *job;
+    if (replaced)
+        std::erase_if(with.analyses, [&](const Analysis& analysis) { return analysis.id == *replaced; });
+    with.analyses.push_back({ .rows = { { .counts = counts } } });
+    const auto price = this->price(with);
+    return price.subtotal + price.minimumAdjustment;
+}
+
+BandCounts JobSection::counts(const Job& job) const
+{
+    BandCounts counts;
+    for (const auto& analysis : job.analyses)
+        counts.add(analysis.totals());
+    return counts;
+}
+
+std::vector<std::string> JobSection::languages() const
+{
+    std::set<std::string> found;
+    const auto take = [&](const LanguagePair& pair) { found.insert({ pair.source, pair.target }); };
+    for (const auto& job : m_model.library().jobs)
+        take(job.pair);
+    for (const auto& client : m_model.library().clients) {
+        for (const auto& rate : client.rates)
+            take(rate.pair);
+    }
+    found.erase("");
+    return { found.begin(), found.end() };
 }
 
 void JobSection::showReport(const Base::Uuid& id, const Base::Uuid& analysis)

@@ -90,7 +90,7 @@ JobSection::IDs JobSection::make(const RecordList::Kept& kept) const
         case JobSort::received:
             break;
         case JobSort::price:
-            entry.price = -index.figures(library, job).net;
+            entry.price = -figures(job).net;
             break;
         }
         entries.push_back(std::move(entry));
@@ -130,24 +130,43 @@ std::string JobSection::dueText(const Job& job) const
     return fmt::format("due {} {}", day, m_model.formats().time(at));
 }
 
+std::string JobSection::dueSentence(const Job& job) const
+{
+    const auto moment = m_model.moment();
+    const bool isOpen = job.status == JobStatus::quote || job.status == JobStatus::inProgress;
+    if (!isOpen || !job.deadline || job.invoiceID)
+        return dueText(job);
+    const auto* const client = m_model.client(job.clientID);
+    const auto zone
+        = client ? Base::Calendar::named(client->timeZone).value_or(moment.calendar) : moment.calendar;
+    const auto at = zone.components(*job.deadline);
+    auto text = fmt::format(
+        "due {}, {}", Formats::weekDay(at.day, moment.calendar.day(moment.now)), m_model.formats().time(at));
+    if (zone.zone() != moment.calendar.zone())
+        text += " (client time)";
+    if (*job.deadline < moment.now)
+        text += ", " + Formats::nearness(*job.deadline, moment);
+    return text;
+}
+
 JobRow JobSection::row(const Base::Uuid& id) const
 {
     const auto* const job = m_model.job(id);
     if (!job)
         return { .id = id };
     const auto* const client = m_model.client(job->clientID);
-    const auto& figures = m_model.index().figures(m_model.library(), *job);
+    const auto& figures = this->figures(*job);
     JobRow row { .id = id,
         .title = jobTitle(*job),
         .isUntitled = job->title.empty(),
         .status = job->status,
         .hasProblems = figures.hasProblems };
     const auto due = dueText(*job), pair = job->pair.text();
-    const auto name = client ? client->name : std::string();
+    const auto& name = row.client = client ? client->name : "";
     for (const auto& part : { name, pair, due })
         addPart(row.subtitle, part, " · ");
-    if (client && figures.hasPrice)
-        row.price = m_model.formats().money(figures.net, client->currency);
+    if (figures.hasPrice)
+        row.price = m_model.formats().money(figures.net, figures.currency);
     row.spoken = row.title;
     for (const auto& part : { name, pair, std::string(title(job->status)), due })
         addPart(row.spoken, part, ", ");
@@ -167,8 +186,8 @@ std::string JobSection::selectionText(std::span<const Base::Uuid> ids) const
     std::map<std::string, Base::Decimal> sums;
     for (const auto& id : ids) {
         const auto* const job = m_model.job(id);
-        if (const auto* const client = job ? m_model.client(job->clientID) : nullptr)
-            sums[client->currency] += m_model.index().figures(m_model.library(), *job).net;
+        if (job && m_model.client(job->clientID))
+            sums[figures(*job).currency] += figures(*job).net;
     }
     auto text = counted(std::ssize(ids), "job", "jobs") + " selected";
     for (const auto& [currency, sum] : sums)

@@ -74,11 +74,18 @@ NewJob JobSection::proposal() const
 {
     const auto& library = m_model.library();
     NewJob proposal;
+    // The client on show, otherwise the last one.
+    const bool isOnClients = m_model.section() == AppSection::clients;
+    const auto shown = isOnClients ? m_model.selection(AppSection::clients) : std::nullopt;
+    const auto* const wanted = shown ? m_model.client(*shown) : nullptr;
+    const bool isWanted = wanted && !wanted->archived;
     for (auto job = library.jobs.rbegin(); job != library.jobs.rend(); ++job) {
         const auto* const client = m_model.client(job->clientID);
-        if (client && !client->archived)
+        if (isWanted ? client == wanted : client && !client->archived)
             return { .clientID = client->id, .pair = job->pair };
     }
+    if (isWanted)
+        return { .clientID = wanted->id };
     for (const auto& client : library.clients) {
         if (!client.archived)
             return { .clientID = client.id };
@@ -242,6 +249,11 @@ JobPrice JobSection::price(const Job& job) const
 {
     const auto* const client = m_model.client(job.clientID);
     return client ? JobPricing::price(job, *client) : JobPrice {};
+}
+
+const RecordIndex::JobFigures& JobSection::figures(const Job& job) const
+{
+    return m_model.index().figures(m_model.library(), job);
 }
 
 std::string jobTitle(const Job& job) { return job.title.empty() ? "Untitled job" : job.title; }

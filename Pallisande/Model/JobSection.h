@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Pallisande/Model/LibraryChanges.h"
+#include "Pallisande/Model/RecordIndex.h"
 #include "Pallisande/Model/RecordList.h"
 #include "PallisandeKit/Pricing/JobPricing.h"
 
@@ -23,7 +24,8 @@ struct JobRow {
     std::string title; // "Untitled job" when it has none.
     bool isUntitled = false;
     std::string subtitle; // "Nordwind · en → de · due tomorrow 17:00"
-    std::string price; // Before tax; empty while there is none.
+    std::string client; // With which the subtitle begins; what may be cut short.
+    std::string price; // Before tax, as billed once it is; empty while there is none.
     JobStatus status = JobStatus::quote;
     bool hasProblems = false;
     std::string spoken; // All of it as one sentence.
@@ -58,7 +60,7 @@ public:
 
     // --- Operations
     void openNewJob(const std::string& title = {}, std::optional<std::filesystem::path> report = {});
-    NewJob proposal() const; // The last client and its last pair.
+    NewJob proposal() const; // The client on show or the last one, and its last pair.
     bool add(const NewJob& job); // From the sheet, which closes; the job is shown.
     // Changes the record by a function; `name` is that of the step ("Change Deadline").
     bool edit(const Base::Uuid& id, const std::string& name, const std::function<void(Job&)>& change);
@@ -80,11 +82,18 @@ public:
     // Counts that the user typed, in the place of earlier ones when `replaced` is given.
     bool typeCounts(const Base::Uuid& id, const std::string& name, const BandCounts& counts,
         std::optional<Base::Uuid> replaced = std::nullopt);
+    // What the job would cost with them, before tax.
+    std::optional<Base::Decimal> priceWith(
+        const Base::Uuid& id, const BandCounts& counts, std::optional<Base::Uuid> replaced) const;
     void showReport(const Base::Uuid& id, const Base::Uuid& analysis);
 
     // Why counts, client and price of a job can't be changed: "This job is on INV-2026-007."
     std::optional<std::string> lockText(const Job& job) const;
     JobPrice price(const Job& job) const; // Of nothing when its client is missing.
+    // What lists and the job's own page show of it, which is what was billed once an invoice is issued.
+    const RecordIndex::JobFigures& figures(const Job& job) const;
+    BandCounts counts(const Job& job) const; // Of all its analyses together.
+    std::vector<std::string> languages() const; // Of all jobs and rates, in alphabetical order.
 
     // --- For the model
     void outdate() { m_list.outdate(); }
@@ -92,6 +101,8 @@ public:
     void react(const LibraryChanges& changes);
     void unhide(const Base::Uuid& id); // Clears search and filters that hide it.
     std::string dueText(const Job& job) const;
+    // The same for the job's own page: "due Fri 6 Mar 2026, 17:00 (client time)".
+    std::string dueSentence(const Job& job) const;
 
 private:
     IDs make(const RecordList::Kept& kept) const;

@@ -36,6 +36,12 @@ void RecordIndex::update(const LibraryChanges& changes, const Library& library)
         for (const auto& [kind, id] : *list) {
             m_texts.erase(id);
             m_figures.erase(id);
+            if (const auto* const changed = kind == RecordKind::invoice ? invoice(library, id) : nullptr) {
+                for (const auto& line : changed->lines) {
+                    if (line.jobID)
+                        m_figures.erase(*line.jobID);
+                }
+            }
             if (kind != RecordKind::client || m_figures.empty())
                 continue;
             for (const auto& job : library.jobs) { // Whose prices follow from the client.
@@ -118,13 +124,31 @@ const std::string& RecordIndex::searchText(const Invoice& invoice) const
 const RecordIndex::JobFigures& RecordIndex::figures(const Library& library, const Job& job) const
 {
     const auto [entry, isNew] = m_figures.try_emplace(job.id);
-    const auto* const owner = isNew ? client(library, job.clientID) : nullptr;
-    if (owner) {
+    auto& figures = entry->second;
+    if (!isNew)
+        return figures;
+    if (const auto* const owner = client(library, job.clientID)) {
         const auto price = JobPricing::price(job, *owner);
-        entry->second = { price.subtotal + price.minimumAdjustment, price.units != 0 || !job.extras.empty(),
-            !price.problems.empty() };
+        figures = { .net = price.subtotal + price.minimumAdjustment,
+            .currency = owner->currency,
+            .hasPrice = price.units != 0 || !job.extras.empty(),
+            .hasProblems = !price.problems.empty() };
     }
-    return entry->second;
+    const auto* const bill = job.invoiceID ? invoice(library, *job.invoiceID) : nullptr;
+    if (!bill || !bill->isIssued())
+        return figures;
+    std::optional<Base::Decimal> billed;
+    for (const auto& line : bill->lines) {
+        if (line.jobID == job.id)
+            billed = billed.value_or(Base::Decimal()) + line.amount;
+    }
+    if (billed) { // What the client’s rate has become since then doesn’t matter.
+        figures.net = *billed;
+        figures.currency = bill->currency;
+        figures.invoice = bill->number;
+        figures.hasPrice = true;
+    }
+    return figures;
 }
 
 Base::Decimal RecordIndex::credited(const Library& library, const Base::Uuid& invoiceID) const

@@ -17,7 +17,9 @@ namespace Pallisande {
 class RecordIndex {
 public:
     struct JobFigures {
-        Base::Decimal net; // Before tax, minimum fee included.
+        Base::Decimal net; // Before tax, minimum fee included; once an invoice is issued, as it was billed.
+        std::string currency;
+        std::optional<std::string> invoice; // The number of that invoice.
         bool hasPrice = false; // Something to bill at all.
         bool hasProblems = false;
     };

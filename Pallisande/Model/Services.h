@@ -55,6 +55,7 @@ struct AppServices {
     DocumentRenderer* renderer = nullptr; // Called off the main thread, for one document at a time.
     std::function<void(const ChooserRequest&, std::function<void(Paths)>)> choose;
     std::function<void(const std::filesystem::path&)> openFile, showInFolder;
+    std::function<void(const std::string&)> openAddress; // A URL, of a letter for instance; may be missing.
     Bookmarks* bookmarks = nullptr;
     NotificationCenter* notifications = nullptr; // May be missing.
     std::function<std::filesystem::path()> defaultFolder = LibraryStore::defaultFolder;

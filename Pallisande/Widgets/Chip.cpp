@@ -46,6 +46,20 @@ Chip Chip::of(InvoiceStatus status)
     return { tone, mark, QString::fromUtf8(word.data(), static_cast<qsizetype>(word.size())) };
 }
 
+Chip Chip::of(Verification verification)
+{
+    constexpr std::array<Look, 5> looks { {
+        { Tone::green, Icon::check },
+        { Tone::amber, Icon::halfCircle },
+        { Tone::blue, Icon::pencil },
+        { Tone::green, Icon::sigma },
+        { Tone::grey, Icon::pencil },
+    } };
+    const auto [tone, mark] = looks[static_cast<std::size_t>(verification)];
+    const auto word = label(verification);
+    return { tone, mark, QString::fromUtf8(word.data(), static_cast<qsizetype>(word.size())) };
+}
+
 QSize Chip::size(const Theme& theme) const
 {
     const QFontMetrics metrics(theme.font(TextStyle::small));

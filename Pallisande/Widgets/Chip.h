@@ -2,6 +2,7 @@
 
 #include "Pallisande/Widgets/Icons.h"
 #include "Pallisande/Widgets/Theme.h"
+#include "PallisandeKit/Analyses/Analysis.h"
 #include "PallisandeKit/Records/Invoice.h"
 #include "PallisandeKit/Records/Job.h"
 
@@ -18,6 +19,7 @@ struct Chip {
 
     static Chip of(JobStatus status);
     static Chip of(InvoiceStatus status);
+    static Chip of(Verification verification);
 
     QSize size(const Theme& theme) const;
     void paint(QPainter& painter, const QPointF& topLeft, const Theme& theme) const;

@@ -124,7 +124,8 @@ void ComboBox::showPopup()
 QSize ComboBox::sizeHint() const
 {
     auto size = QComboBox::sizeHint();
-    size.setWidth(std::min(size.width(), Theme::of(this).scaled(widest)));
+    // Qt measures the ink of the texts, which are drawn with a little room at both ends.
+    size.setWidth(std::min(size.width() + 2, Theme::of(this).scaled(widest)));
     return size;
 }
 

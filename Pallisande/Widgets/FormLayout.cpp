@@ -12,7 +12,7 @@ namespace Pallisande {
 
 namespace {
 
-constexpr int labelWidth = 140, hintMilliseconds = 4000;
+constexpr int labelWidth = 140, leastFieldWidth = 200, hintMilliseconds = 4000;
 
 } // namespace
 
@@ -38,8 +38,7 @@ void FieldNote::showProblem(const QString& sentence)
     m_isProblem = !sentence.isEmpty();
     m_sentence->setText(sentence);
     m_sentence->setInk(Ink::red);
-    layout()->setContentsMargins(
-        m_isProblem ? Theme::of(this).iconSize() + Space::tiny : 0, Space::tiny, 0, 0);
+    dress();
     setVisible(m_isProblem);
     m_field->setAccessibleDescription(m_ownDescription.isEmpty() || sentence.isEmpty()
             ? m_ownDescription + sentence
@@ -51,12 +50,25 @@ void FieldNote::showHint(const QString& sentence)
 {
     if (m_isProblem)
         return;
-    layout()->setContentsMargins(0, Space::tiny, 0, 0);
+    dress();
     m_sentence->setText(sentence);
     m_sentence->setInk(Ink::muted);
     setVisible(!sentence.isEmpty());
     m_hintEnds->start();
     announce(m_sentence, sentence);
+}
+
+void FieldNote::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::StyleChange)
+        dress();
+}
+
+void FieldNote::dress()
+{
+    const int icon = m_isProblem ? Theme::of(this).iconSize() + Space::tiny : 0;
+    layout()->setContentsMargins(icon, Space::tiny, 0, 0);
 }
 
 void FieldNote::paintEvent(QPaintEvent*)
@@ -97,18 +109,14 @@ FieldNote* FormLayout::addRow(const QString& text, QWidget* field, Width width)
     auto* label = new Label(text, this, TextStyle::body, Ink::muted);
     label->setBuddy(lines.isEmpty() ? field : lines.first());
     label->setWordWrap(true);
-    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     auto* note = new FieldNote(field, this);
 
     auto* cell = new QVBoxLayout; // The field's place doesn't move when its note appears.
     cell->setSpacing(0);
     cell->addWidget(field, 0, width == Width::natural ? Qt::AlignLeft : Qt::Alignment());
     cell->addWidget(note);
-    const int row = m_grid->rowCount();
-    // The label stands beside the first line of a field of several.
-    m_grid->addWidget(label, row, 0, Qt::AlignTop);
-    m_grid->addLayout(cell, row, 1);
     m_rows.push_back({ label, field, note, cell });
+    place(m_rows.size() - 1);
     measure();
 
     for (auto* line : lines) {
@@ -121,8 +129,12 @@ FieldNote* FormLayout::addRow(const QString& text, QWidget* field, Width width)
 void FormLayout::addBelow(QWidget* widget)
 {
     auto* cell = m_rows.back().cell;
-    cell->addSpacing(Space::tiny);
-    cell->addWidget(widget, 0, qobject_cast<Label*>(widget) ? Qt::Alignment() : Qt::AlignLeft);
+    auto* label = qobject_cast<Label*>(widget);
+    if (label)
+        label->setContentsMargins(0, Space::tiny, 0, 0); // Which goes when it is hidden.
+    else
+        cell->addSpacing(Space::tiny);
+    cell->addWidget(widget, 0, label ? Qt::Alignment() : Qt::AlignLeft);
 }
 
 void FormLayout::addBelow(const QString& explanation)
@@ -147,13 +159,59 @@ void FormLayout::changeEvent(QEvent* event)
         measure();
 }
 
+void FormLayout::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    if (isVisible()) // Before, it has widths that mean nothing.
+        fit();
+}
+
+void FormLayout::showEvent(QShowEvent* event)
+{
+    fit();
+    QWidget::showEvent(event);
+}
+
+void FormLayout::fit()
+{
+    const bool isNarrow = width() < Theme::of(this).scaled(labelWidth + leastFieldWidth);
+    if (isNarrow == m_isNarrow)
+        return;
+    m_isNarrow = isNarrow;
+    for (std::size_t row = 0; row < m_rows.size(); ++row)
+        place(row);
+    measure();
+}
+
+// In two lines of the grid, of which the second is empty when the label stands beside its field.
+void FormLayout::place(std::size_t at)
+{
+    const auto& row = m_rows[at];
+    const int line = static_cast<int>(2 * at);
+    m_grid->removeWidget(row.label);
+    m_grid->removeItem(row.cell);
+    row.cell->setParent(nullptr);
+    auto* label = qobject_cast<QLabel*>(row.label);
+    if (m_isNarrow) {
+        label->setAlignment(Qt::AlignLeft | Qt::AlignBottom);
+        m_grid->addWidget(label, line, 0, 1, 2);
+        m_grid->addLayout(row.cell, line + 1, 0, 1, 2);
+    } else {
+        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        m_grid->addWidget(label, line, 0, Qt::AlignTop); // Beside the first line of a field of several.
+        m_grid->addLayout(row.cell, line, 1);
+    }
+}
+
 void FormLayout::measure()
 {
     const auto& theme = Theme::of(this);
-    m_grid->setColumnMinimumWidth(0, theme.scaled(labelWidth));
+    const int width = theme.scaled(labelWidth);
+    m_grid->setColumnMinimumWidth(0, m_isNarrow ? 0 : width);
     for (const auto& row : m_rows) {
-        row.label->setMinimumHeight(theme.controlHeight());
-        row.label->setFixedWidth(theme.scaled(labelWidth));
+        row.label->setMinimumHeight(m_isNarrow ? 0 : theme.controlHeight());
+        row.label->setMinimumWidth(m_isNarrow ? 0 : width);
+        row.label->setMaximumWidth(m_isNarrow ? QWIDGETSIZE_MAX : width);
     }
 }
 

@@ -23,8 +23,11 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
+    void dress();
+
     QWidget* m_field;
     Label* m_sentence;
     QTimer* m_hintEnds;
@@ -32,9 +35,9 @@ private:
     bool m_isProblem = false;
 };
 
-// Two columns: labels at the right of theirs, fields as wide as their content. Each label is its field’s
-// buddy and accessible name; problems and hints of LineFields appear below them; other fields use the note
-// that addRow returns.
+// Two columns: labels at the right of theirs, fields as wide as their content; where that is too narrow, each
+// label stands above its field. Each label is its field’s buddy and accessible name; problems and hints of
+// LineFields appear below them; other fields use the note that addRow returns.
 class FormLayout : public QWidget {
     Q_OBJECT
 
@@ -51,9 +54,13 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void measure();
+    void fit(); // Labels beside their fields, or above them.
+    void place(std::size_t row);
 
     struct Row {
         QWidget *label, *field, *note;
@@ -61,6 +68,7 @@ private:
     };
     QGridLayout* m_grid;
     std::vector<Row> m_rows;
+    bool m_isNarrow = false;
 };
 
 } // namespace Pallisande

@@ -15,11 +15,29 @@ namespace Pallisande {
 namespace {
 
 constexpr int rowHeight = 64, paddingAcross = 12, paddingAlong = 10;
+constexpr int veryLarge = 175; // A size of the text at which figure and chip have a line of their own.
 
 // Where the parts of a row stand.
 struct Places {
     QRectF title, figure, warning, detail, chip;
 };
+
+bool isTall(const Theme& theme) { return theme.textSize() >= veryLarge; }
+
+// A client’s name gives way before the languages and the day behind it do.
+QString shownDetail(const QModelIndex& index, const QFontMetricsF& metrics, double room)
+{
+    const auto whole = index.data(detailRole).toString(), elidable = index.data(elidableRole).toString();
+    if (elidable.isEmpty() || !whole.startsWith(elidable) || metrics.horizontalAdvance(whole) <= room)
+        return whole;
+    auto rest = whole.mid(elidable.size());
+    const double left = room - metrics.horizontalAdvance(rest);
+    if (left >= 4 * metrics.averageCharWidth())
+        return metrics.elidedText(elidable, Qt::ElideRight, left) + rest;
+    while (rest.startsWith(QLatin1Char(' ')) || rest.startsWith(QStringLiteral("·")))
+        rest.remove(0, 1);
+    return rest;
+}
 
 QFont titleFont(const Theme& theme, const QModelIndex& index)
 {
@@ -31,6 +49,30 @@ QFont titleFont(const Theme& theme, const QModelIndex& index)
     return font;
 }
 
+// Title, detail, and below them chip and figure.
+Places tallPlaces(const QRectF& inner, const Theme& theme, const QModelIndex& index, double figureWidth)
+{
+    const double strong = QFontMetricsF(theme.font(TextStyle::bodyStrong)).height(),
+                 small = QFontMetricsF(theme.font(TextStyle::small)).height();
+    Places places;
+    places.title = QRectF(inner.left(), inner.top(), inner.width(), strong);
+    places.detail = QRectF(inner.left(), places.title.bottom() + 1, inner.width(), small);
+    const double top = places.detail.bottom() + Space::tiny;
+    places.figure = QRectF(inner.right() - figureWidth, top, figureWidth, inner.bottom() - top);
+    if (!index.data(warningRole).toString().isEmpty()) {
+        const double side = theme.scaled(14);
+        places.warning = QRectF(inner.right() - side, places.title.center().y() - side / 2, side, side);
+        places.title.setRight(places.warning.left() - Space::small);
+    }
+    if (const auto chip = index.data(chipRole); chip.canConvert<Chip>()) {
+        const QSizeF size = chip.value<Chip>().size(theme);
+        places.chip = QRectF(
+            inner.left(), places.figure.center().y() - size.height() / 2, size.width(), size.height());
+        places.chip.setRight(std::min(places.chip.right(), places.figure.left() - Space::small));
+    }
+    return places;
+}
+
 Places placesOf(const QRectF& row, const Theme& theme, const QModelIndex& index)
 {
     const auto inner = row.adjusted(paddingAcross, paddingAlong, -paddingAcross, -paddingAlong);
@@ -39,6 +81,8 @@ Places placesOf(const QRectF& row, const Theme& theme, const QModelIndex& index)
     const auto figure = index.data(figureRole).toString();
     const double figureWidth
         = std::min(figuresWidth(theme.font(TextStyle::body), figure) + 1, inner.width() * 0.6);
+    if (isTall(theme))
+        return tallPlaces(inner, theme, index, figureWidth);
     places.figure = QRectF(inner.right() - figureWidth, inner.top(), figureWidth, middle - inner.top());
     double right = figure.isEmpty() ? inner.right() : places.figure.left() - Space::small;
     if (!index.data(warningRole).toString().isEmpty()) {
@@ -68,8 +112,9 @@ RowDelegate::RowDelegate(QObject* parent)
 QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const
 {
     const auto& theme = Theme::of(option.widget);
+    const int small = QFontMetrics(theme.font(TextStyle::small)).height();
     const int lines = QFontMetrics(theme.font(TextStyle::bodyStrong)).height()
-        + std::max(QFontMetrics(theme.font(TextStyle::small)).height(), theme.scaled(20));
+        + std::max(small, theme.scaled(20)) + (isTall(theme) ? small + Space::small : 0);
     return { 0, std::max(theme.scaled(rowHeight), lines + 2 * paddingAlong) };
 }
 
@@ -101,9 +146,17 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, c
         drawIcon(*painter, Icon::warning, places.warning, colours.tone(Tone::amber).text);
     painter->setFont(theme.font(TextStyle::small));
     painter->setPen(colours.muted);
-    drawLine(*painter, places.detail, index.data(detailRole).toString());
-    if (!places.chip.isEmpty())
-        index.data(chipRole).value<Chip>().paint(*painter, places.chip.topLeft(), theme);
+    const auto detail = shownDetail(index, QFontMetricsF(painter->font()), places.detail.width());
+    drawLine(*painter, places.detail, detail);
+    if (!places.chip.isEmpty()) {
+        auto chip = index.data(chipRole).value<Chip>();
+        if (const double excess = chip.size(theme).width() - places.chip.width(); excess > 0) {
+            const QFontMetricsF metrics(painter->font());
+            chip.word = metrics.elidedText(
+                chip.word, Qt::ElideRight, metrics.horizontalAdvance(chip.word) - excess);
+        }
+        chip.paint(*painter, places.chip.topLeft(), theme);
+    }
     if (option.state & QStyle::State_HasFocus && option.state & QStyle::State_KeyboardFocusChange)
         drawSurface(*painter, row.adjusted(2, 2, -2, -2), Radius::field, Qt::transparent, colours.accent,
             FocusRing::width);

@@ -226,6 +226,7 @@ void SheetDialog::fit()
     const int width = std::min(theme.scaled(static_cast<int>(m_width)), room.width() * 9 / 10);
     setFixedWidth(width);
     m_scroll->resize(width, m_scroll->height());
+    m_scroll->updateGeometry(); // The height that it asks for goes by its width.
     layout()->activate();
     const int wanted
         = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height();

@@ -52,7 +52,20 @@ private:
     QTableView* m_table;
 };
 
+constexpr const char* tightProperty = "isTight";
+
 } // namespace
+
+void setTight(QTableView* table)
+{
+    table->setProperty(tightProperty, true);
+    table->horizontalHeader()->setProperty(tightProperty, true);
+}
+
+int tablePadding(const QWidget* widget)
+{
+    return widget && widget->property(tightProperty).toBool() ? Space::tiny : Space::small;
+}
 
 QSize TableDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
@@ -60,7 +73,7 @@ QSize TableDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIn
     const bool isTotal = index.data(totalRole).toBool();
     const auto font = theme.font(isTotal ? TextStyle::bodyStrong : TextStyle::body);
     const auto text = index.data().toString();
-    const int width = static_cast<int>(figuresWidth(font, text)) + 2 * Space::small + 2;
+    const int width = static_cast<int>(figuresWidth(font, text)) + 2 * tablePadding(option.widget) + 2;
     return { width, std::max(theme.scaled(rowHeight), QFontMetrics(font).height() + Space::small) };
 }
 
@@ -86,7 +99,8 @@ void TableDelegate::paint(
     painter->setPen(index.data(mutedRole).toBool() ? theme.colours.disabled
             : ink.isValid()                        ? ink.value<QBrush>().color()
                                                    : theme.colours.text);
-    auto area = QRectF(option.rect).adjusted(Space::small, 0, -Space::small, 0);
+    const int padding = tablePadding(option.widget);
+    auto area = QRectF(option.rect).adjusted(padding, 0, -padding, 0);
     if (!option.icon.isNull()) {
         const int side = theme.iconSize();
         option.icon.paint(painter, QRectF(area.left(), area.center().y() - side / 2.0, side, side).toRect());

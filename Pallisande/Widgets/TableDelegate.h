@@ -28,4 +28,8 @@ public:
 // Rows of 32 pixels, no grid, no frame, Tab leaves; follows the theme.
 void prepareTable(QTableView* table);
 
+// Of many columns: with less room beside the texts.
+void setTight(QTableView* table);
+int tablePadding(const QWidget* widget); // Of a table or its header.
+
 } // namespace Pallisande

@@ -11,7 +11,7 @@ class TextArea : public QPlainTextEdit, public Committing {
     Q_OBJECT
 
 public:
-    static constexpr int fewestLines = 3, mostLines = 10;
+    static constexpr int fewestLines = 3, mostLines = 10, leastWidth = 120;
 
     explicit TextArea(QWidget* parent = nullptr);
 
@@ -22,7 +22,7 @@ public:
     bool isPending() const { return toPlainText() != m_value; }
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    QSize minimumSizeHint() const override { return { leastWidth, sizeHint().height() }; }
 
 signals:
     void committed();

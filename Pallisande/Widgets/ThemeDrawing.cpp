@@ -72,7 +72,9 @@ void ThemeStyle::drawButton(QPainter& painter, const QStyleOption& option, const
     if (arrow)
         drawIcon(painter, Icon::chevronDown,
             placed(icon + gap + width + Space::tiny, m_theme.iconSize()).adjusted(2, 2, -2, -2),
-            isEnabled ? colours.muted : colours.disabled);
+            !isEnabled                    ? colours.disabled
+                : ink == colours.onAccent ? ink
+                                          : colours.muted);
 }
 
 void ThemeStyle::drawField(QPainter& painter, const QStyleOption& option, const QWidget* widget) const
@@ -211,8 +213,9 @@ void ThemeStyle::drawPrimitive(
             painter->fillRect(option->rect, colours.raised);
         return drawSurface(*painter, option->rect, 0, Qt::transparent, colours.border, 1);
     case PE_FrameTabWidget:
-    case PE_FrameTabBarBase:
         return; // Pages lie on the window itself.
+    case PE_FrameTabBarBase:
+        return drawLineBelow(*painter, option->rect, colours.border);
     case PE_IndicatorBranch:
         if (option->state & State_Children) {
             const double side = m_theme.scaled(12);

@@ -2,6 +2,7 @@
 
 #include "Pallisande/Widgets/Buttons.h"
 #include "Pallisande/Widgets/FocusRing.h"
+#include "Pallisande/Widgets/TableDelegate.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -105,7 +106,10 @@ int ThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, cons
     case PM_ToolBarItemSpacing:
         return Space::small;
     case PM_HeaderMargin:
-        return Space::small;
+        return tablePadding(widget);
+    case PM_TabBarTabShiftHorizontal:
+    case PM_TabBarTabShiftVertical:
+        return 0;
     case PM_DefaultFrameWidth:
         if (qobject_cast<const QMenu*>(widget))
             return Space::tiny;
@@ -180,8 +184,9 @@ QSize ThemeStyle::sizeFromContents(
     }
     case CT_CheckBox:
     case CT_RadioButton: {
-        const auto natural = QProxyStyle::sizeFromContents(type, option, size, widget);
-        return { natural.width() + Space::tiny, std::max(natural.height(), m_theme.scaled(28)) };
+        // As wide as box and text, so that a text at the right ends where everything else does.
+        const int box = m_theme.iconSize(), text = size.width() > 0 ? Space::small + size.width() + 1 : 0;
+        return { box + text, std::max({ size.height(), box, m_theme.scaled(28) }) };
     }
     case CT_ProgressBar:
         return { size.width(), Space::medium };
@@ -218,6 +223,12 @@ QRect ThemeStyle::subElementRect(SubElement element, const QStyleOption* option,
     case SE_PushButtonFocusRect:
     case SE_ToolBoxTabContents:
         return option->rect;
+    case SE_TabWidgetTabBar: { // The line under the tabs goes on to the edge.
+        auto bar = QProxyStyle::subElementRect(element, option, widget);
+        bar.setLeft(option->rect.left());
+        bar.setRight(option->rect.right());
+        return bar;
+    }
     case SE_ProgressBarGroove:
     case SE_ProgressBarContents:
         return option->rect;

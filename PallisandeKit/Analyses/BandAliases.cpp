@@ -68,6 +68,13 @@ constexpr Alias aliases[] {
     { "无匹配", band(MatchBand::noMatch) },
     { "总共", total },
     { "所有文件", total },
+    // Tables that people make themselves.
+    { "rep", band(MatchBand::repetitions) },
+    { "rep.", band(MatchBand::repetitions) },
+    { "sum", total },
+    { "suma", total },
+    { "somme", total },
+    { "somma", total },
 };
 
 constexpr std::pair<std::string_view, Metric> metricAliases[] {

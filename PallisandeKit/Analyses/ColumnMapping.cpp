@@ -87,6 +87,23 @@ public:
         return std::move(m_mapping);
     }
 
+    std::vector<MappedLabel> labelsOf(const ColumnMapping& given)
+    {
+        const auto column = std::find_if(given.columns.begin(), given.columns.end(),
+            [](const MappedColumn& mapped) { return mapped.role == ColumnRole::label; });
+        if (column == given.columns.end() || given.columns.size() != m_mapping.columns.size())
+            return {};
+        m_mapping.columns = given.columns;
+        auto labels = labelsIn(static_cast<Column>(column - given.columns.begin()));
+        for (auto& label : labels) {
+            const auto known = std::find_if(given.labels.begin(), given.labels.end(),
+                [&](const MappedLabel& other) { return other.label == label.label; });
+            if (known != given.labels.end())
+                label = *known;
+        }
+        return labels;
+    }
+
 private:
     using Column = std::size_t;
 
@@ -240,6 +257,12 @@ private:
 };
 
 } // namespace
+
+std::vector<MappedLabel> labelsOf(const DelimitedTable& table, const ColumnMapping& mapping)
+{
+    auto headings = ColumnHeadings::find(table);
+    return headings ? Guess(table, *std::move(headings)).labelsOf(mapping) : std::vector<MappedLabel>();
+}
 
 MappingTable guessMapping(const DelimitedTable& table, const std::string& name)
 {

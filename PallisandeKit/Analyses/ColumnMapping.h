@@ -110,6 +110,10 @@ static_assert(Base::listsEveryMember<MappingTable>);
 // Guesses what the columns and labels of a table hold; throws ImportError when it is no table of counts.
 MappingTable guessMapping(const DelimitedTable& table, const std::string& name);
 
+// The labels of a table whose label column the user chose: those that the mapping knows as it has them, the
+// others with a guess. None without such a column, or while nothing says which columns are counted.
+std::vector<MappedLabel> labelsOf(const DelimitedTable& table, const ColumnMapping& mapping);
+
 // Reads a table as the user mapped it; throws ImportError when the mapping is for other headings, lacks a
 // label of this table, or gives no words or characters.
 Analysis readMapped(

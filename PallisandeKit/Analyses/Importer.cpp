@@ -101,6 +101,11 @@ MappingTable guess(std::string_view data, const std::string& fileName)
     return guessMapping(DelimitedTable(data), fileName);
 }
 
+std::vector<MappedLabel> labelsOf(std::string_view data, const ColumnMapping& mapping)
+{
+    return Pallisande::labelsOf(DelimitedTable(data), mapping);
+}
+
 ImportResult importMapped(
     std::string_view data, const std::string& fileName, const ColumnMapping& mapping, Base::Instant now)
 {

@@ -108,15 +108,20 @@ void LibrarySession::moveTo(const fs::path& folder)
         const auto target = Base::Folder::make(folder);
         if (target.isStillThere() && fs::equivalent(target.path(), m_store.folder()))
             throw couldNotMove("it is in that folder already");
-        if (!LibraryStore(target.path()).exists()) {
+        const LibraryStore there(target.path());
+        if (there.exists()) { // Its library is used, if it can be; it mustn't be taken for an empty one.
+            there.load(moment());
+        } else {
             for (const auto name : { LibraryStore::reportsFolder, LibraryStore::invoicesFolder })
                 copyFolder(m_store.folder() / name, target.path() / name);
             const std::string log(IssueLog::fileName);
             if (m_folder.exists(log) && !target.exists(log))
                 Base::writeDurably(target, log, Base::readFile(m_folder, log).bytes);
-            LibraryStore(target.path()).save(m_library); // Last: with it the folder is a library.
+            there.save(m_library); // Last: with it the folder is a library.
         }
     } catch (const std::system_error& error) {
+        throw couldNotMove(error.what());
+    } catch (const LibraryStoreError& error) {
         throw couldNotMove(error.what());
     }
     auto moved = open(folder, Access::writing, m_services);

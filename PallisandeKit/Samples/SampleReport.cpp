@@ -1,5 +1,9 @@
 #include "PallisandeKit/Samples/SampleReport.h"
 
+#include <fmt/format.h>
+
+#include <numeric>
+
 namespace Pallisande {
 
 // clang-format off
@@ -73,5 +77,92 @@ const std::string_view sampleTradosReport = R"xml(<task name="analyse">
 </task>
 )xml";
 // clang-format on
+
+
+namespace {
+
+// Every band's counts follow from its words.
+std::int64_t segments(std::int64_t words) { return (words + 13) / 14; }
+std::int64_t characters(std::int64_t words) { return words * 6; }
+
+std::int64_t total(const SampleFile& file)
+{
+    return std::accumulate(file.words.begin(), file.words.end(), file.misstated);
+}
+
+} // namespace
+
+std::string samplePhraseCSV(const std::vector<SampleFile>& files)
+{
+    constexpr std::array bands { "Context TM", "Repetitions", "100% Matches", "95% - 99%", "85% - 94%",
+        "75% - 84%", "50% - 74%", "No Match" };
+    std::string text = ";;";
+    for (const auto* band : bands)
+        text += fmt::format(";{};;;", band);
+    text += ";Total\nFile;Tagging Errors;Chars/Word";
+    for (std::size_t band = 0; band < bands.size(); ++band)
+        text += ";Segments;Words;Placeables;Percent";
+    text += ";Segments;Words;Placeables;Characters\n";
+    for (const auto& file : files) {
+        text += fmt::format("\"{}\";0;6", file.name);
+        for (std::size_t band = 1; band < file.words.size(); ++band)
+            text += fmt::format(";{};{};0;0", segments(file.words[band]), file.words[band]);
+        text += fmt::format(";{};{};0;{}\n", segments(total(file)), total(file), characters(total(file)));
+    }
+    return text;
+}
+
+std::string samplePhraseJSON(const SampleFile& file)
+{
+    constexpr std::array keys { "", "contextMatch", "repetitions", "match100", "match95", "match85",
+        "match75", "match50", "match0" };
+    const auto counts = [](std::int64_t words) {
+        return fmt::format(R"({{"segments": {}, "words": {}, "characters": {}}})", segments(words), words,
+            characters(words));
+    };
+    std::string data;
+    for (std::size_t band = 1; band < keys.size(); ++band)
+        data += fmt::format("\"{}\": {}, ", keys[band], counts(file.words[band]));
+    return fmt::format(R"({{"projectName": "{}", "analyseLanguageParts": [{{"sourceLang": "en_us", )"
+                       R"("targetLang": "de_de", "data": {{{}"total": {}}}, "jobs": [{{"fileName": "{}"}}]}}]}})",
+        file.name, data, counts(total(file)), file.name);
+}
+
+std::string sampleMemoQReport(const std::vector<SampleFile>& files)
+{
+    constexpr std::array bands { "X-translated", "101%", "Repetitions", "100%", "95% - 99%", "85% - 94%",
+        "75% - 84%", "50% - 74%", "No match", "Fragments", "Total" };
+    std::string text = ";";
+    for (const auto* band : bands)
+        text += fmt::format(";{};;", band);
+    text += ";\nFile;Char/Word";
+    for (std::size_t band = 0; band < bands.size(); ++band)
+        text += ";Segments;Words;Characters";
+    text += ";\n";
+    for (const auto& file : files) {
+        text += fmt::format("\"[ger] C:\\Projects\\{}\";6", file.name);
+        const auto add = [&](std::int64_t words) {
+            text += fmt::format(";{};{};{}", segments(words), words, characters(words));
+        };
+        for (const auto words : file.words)
+            add(words);
+        add(0);
+        add(total(file));
+        text += ";\n";
+    }
+    return text;
+}
+
+std::string sampleTable(const std::vector<SampleFile>& files)
+{
+    std::string text = "Document;ICE;Rep;100;95-99;85-94;75-84;50-74;New;Sum\n";
+    for (const auto& file : files) {
+        text += file.name;
+        for (std::size_t band = 1; band < file.words.size(); ++band)
+            text += fmt::format(";{}", file.words[band]);
+        text += fmt::format(";{}\n", total(file));
+    }
+    return text;
+}
 
 } // namespace Pallisande

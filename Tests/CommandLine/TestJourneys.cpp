@@ -299,7 +299,7 @@ TEST(Journeys, theDemonstrationIsASoundLibrary)
     const auto told = program.output({ "demo", program.folder.string() });
     expectShows(told, { "The library is in “" + program.folder.string() + "”.", sound });
     expectShows(
-        program.output({ "library", "check" }), { "Clients: 2, jobs: 2, issued documents: 3.", sound });
+        program.output({ "library", "check" }), { "Clients: 4, jobs: 14, issued documents: 6.", sound });
     EXPECT_EQ(program.refusal({ "demo", program.folder.string() }),
         "“" + program.folder.string() + "” already holds something; choose a new folder.");
 }

@@ -120,7 +120,7 @@ struct World {
             .after = [this](auto wait, auto task) { return timers.after(wait, std::move(task)); },
             .background = &background,
             .preferences = &preferences,
-            .renderer = &renderer,
+            .renderer = drawing ? drawing : &renderer,
             .choose =
                 [this](const Pallisande::ChooserRequest& request, auto chosen) {
                     asked = request;
@@ -128,6 +128,7 @@ struct World {
                 },
             .openFile = [this](const fs::path& file) { openedFiles.push_back(file); },
             .showInFolder = [this](const fs::path& file) { openedFiles.push_back(file); },
+            .openAddress = [this](const std::string& address) { openedAddresses.push_back(address); },
             .bookmarks = &bookmarks,
             .notifications = &notifications,
             .defaultFolder = [this] { return library; },
@@ -158,9 +159,11 @@ struct World {
     PathBookmarks bookmarks;
     FakeNotifications notifications;
     TextRenderer renderer;
+    Pallisande::DocumentRenderer* drawing = nullptr; // In its place, before the start.
     Pallisande::ChooserRequest asked;
     std::vector<fs::path> answer; // To the next question for files.
     std::vector<fs::path> openedFiles;
+    std::vector<std::string> openedAddresses;
     std::unique_ptr<Pallisande::AppModel> model;
 };
 

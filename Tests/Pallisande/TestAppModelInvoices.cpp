@@ -74,6 +74,38 @@ TEST(AppModelInvoices, linesFollowQuantityAndPriceUnlessTheAmountIsTyped)
     EXPECT_EQ(world.problem(), "An invoice holds jobs for one client.");
 }
 
+TEST(AppModelInvoices, anInvoicedJobKeepsThePriceThatWasBilled)
+{
+    Invoicing world;
+    auto& model = world.start(::Test::sampleLibrary());
+    auto& jobs = model.jobs();
+    const auto price = [&](int job) { return jobs.row(id(job)).price; };
+    ASSERT_TRUE(jobs.edit(id(11), "Change Surcharge", [](Job& job) { job.surchargePercent = 10; }));
+    const auto draft = world.draft({ id(11) });
+    ASSERT_TRUE(model.clients().edit(
+        id(1), "Change Rate", [](Client& client) { client.defaultRate = decimal("0.15"); }));
+    EXPECT_EQ(price(11), "165.00\u00A0EUR"); // A draft can still follow it.
+    EXPECT_FALSE(jobs.figures(*model.job(id(11))).invoice);
+    ASSERT_TRUE(model.invoices().updateLines(draft));
+    ASSERT_TRUE(model.invoices().addLine(draft));
+    const auto own = model.invoice(draft)->lines.back().id; // Of no job, so not part of its price.
+    ASSERT_TRUE(model.invoices().editLine(draft, own, [](InvoiceLine& line) { line.amount = 7; }));
+    const auto translation = model.invoice(draft)->lines.front().id;
+    ASSERT_TRUE(model.invoices().editLine(draft, translation, [](InvoiceLine& line) { line.amount = 120; }));
+    ASSERT_TRUE(world.issue(draft)) << world.problem();
+    EXPECT_EQ(price(11), "135.00\u00A0EUR"); // With the surcharge, a line of its own.
+
+    ASSERT_TRUE(model.clients().edit(id(1), "Change Rate", [](Client& client) {
+        client.defaultRate = decimal("0.30");
+        client.currency = "CHF";
+    })) << world.problem();
+    EXPECT_EQ(price(11), "135.00\u00A0EUR");
+    EXPECT_EQ(jobs.figures(*model.job(id(11))).invoice, model.invoice(draft)->number);
+    EXPECT_EQ(jobs.price(*model.job(id(11))).subtotal, Base::Decimal(330)); // What it would be now.
+    EXPECT_EQ(price(12).substr(price(12).size() - 3), "CHF");
+    EXPECT_EQ(jobs.row(id(11)).client, "Nordlicht Verlag");
+}
+
 TEST(AppModelInvoices, issuingTellsStoresAndLocks)
 {
     Invoicing world;

@@ -1,6 +1,7 @@
 #include "Pallisande/Model/AppSettings.h"
 #include "Pallisande/Platform/FolderBookmarks.h"
 #include "Pallisande/Platform/SystemPreferences.h"
+#include "Pallisande/Platform/VisitingPreferences.h"
 #include "Tests/Support/Folders.h"
 
 #include <gtest/gtest.h>
@@ -105,3 +106,23 @@ TEST(FolderBookmarks, findTheFolderByItsPathWhileItIsThere)
 }
 
 } // namespace
+
+TEST(VisitingPreferences, leaveTheUsersOwnFoldersAlone)
+{
+    MemoryPreferences own;
+    const AppSettings before { .documentLanguage = "de",
+        .remindersOn = true,
+        .libraryBookmark = Bookmark { "/mine" },
+        .secondBookmark = Bookmark { "/copy" },
+        .lastSecondBackup = "2026-03-08" };
+    before.store(own);
+    VisitingPreferences visiting(own, true);
+    auto settings = AppSettings::load(visiting).settings;
+    EXPECT_EQ(settings, (AppSettings { .documentLanguage = "de" }));
+    settings.documentLanguage = "fr";
+    settings.libraryBookmark = Bookmark { "/elsewhere" };
+    settings.store(visiting);
+    auto after = before;
+    after.documentLanguage = "fr";
+    EXPECT_EQ(AppSettings::load(own).settings, after);
+}

@@ -399,6 +399,13 @@ TEST_F(LibrarySessionTest, movesToANewFolderAndAdoptsALibraryThatIsThere)
         << "adopted, not written over";
     EXPECT_EQ(failure([&] { session.moveTo(folder.path()); }),
         "The library couldn’t be moved: it is in that folder already");
+
+    const ::Test::TemporaryFolder damaged;
+    ::Test::writeFile(damaged / document, "{");
+    EXPECT_EQ(failure([&] { session.moveTo(damaged.path()); }),
+        "The library couldn’t be moved: The library file couldn’t be read; it was kept as “Pallisande Library "
+        "(damaged 2026-03-09T14-05-31Z).json”.");
+    EXPECT_FALSE(fs::exists(damaged / document)) << "an empty one in its place";
 }
 
 TEST_F(LibrarySessionTest, findsWhatIsWrongInAFolder)
