@@ -135,8 +135,9 @@ ClientRow ClientSection::row(const Base::Uuid& id) const
         row.open = fmt::format("{} open", open);
     row.terms = fmt::format("{} · {} per {}", client->currency, m_model.formats().rate(client->defaultRate),
         client->unit == RateUnit::word ? "word" : "character");
-    row.spoken = fmt::format("{}{}, {}{}", row.name, row.open.empty() ? "" : ", " + row.open + " jobs",
-        row.terms, row.isArchived ? ", archived" : "");
+    row.spoken
+        = fmt::format("{}{}, {}{}", row.name, open > 0 ? ", " + counted(open, "open job", "open jobs") : "",
+            row.terms, row.isArchived ? ", archived" : "");
     return row;
 }
 

@@ -213,7 +213,7 @@ TEST(AppModelLists, clientsShowWhatTheirRecordsComeTo)
     clients.setSort(ClientSort::outstanding);
     EXPECT_EQ(clients.ids(), (IDs { id(2), id(1) }));
     EXPECT_EQ(clients.figures(id(2)).outstanding, (std::map<std::string, Base::Decimal> { { "USD", 200 } }));
-    EXPECT_EQ(clients.row(id(1)).spoken, "Nordlicht Verlag, 1 open jobs, EUR · 0.10 per word");
+    EXPECT_EQ(clients.row(id(1)).spoken, "Nordlicht Verlag, 1 open job, EUR · 0.10 per word");
     clients.setArchived(id(2), true);
     EXPECT_EQ(clients.ids().size(), 2u); // A changed row stays.
     model.select(AppSection::clients, id(1));
