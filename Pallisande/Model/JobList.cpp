@@ -125,8 +125,12 @@ std::string JobSection::dueText(const Job& job) const
     const auto at = zone.components(*job.deadline);
     if (*job.deadline < moment.now)
         return Formats::nearness(*job.deadline, moment);
+    // The clock is the client's; where that is on another day than ours, “today” would be read wrongly.
+    const bool isSameDay = moment.calendar.day(*job.deadline) == at.day;
     const auto days = moment.calendar.daysBetween(moment.now, *job.deadline);
-    const auto day = days == 0 ? "today" : days == 1 ? "tomorrow" : Formats::weekDay(at.day, today);
+    const auto day = isSameDay && days == 0 ? "today"
+        : isSameDay && days == 1            ? "tomorrow"
+                                            : Formats::weekDay(at.day, today);
     return fmt::format("due {} {}", day, m_model.formats().time(at));
 }
 

@@ -105,6 +105,9 @@ TEST(AppModelLists, jobsAreFilteredSearchedAndSorted)
     EXPECT_EQ(row.spoken,
         "Leaflet 10, Nordlicht Verlag, de → en, In progress, due tomorrow 15:05, 100.00\u00A0EUR before tax");
     EXPECT_EQ(jobs.row(id(21)).subtitle, "Hafen · de → en · delivered 6 Mar");
+    model.clients().edit(
+        id(1), "Change Time Zone", [](Client& client) { client.timeZone = "Pacific/Auckland"; });
+    EXPECT_EQ(jobs.row(id(11)).subtitle, "Nordlicht Verlag · de → en · due Wed 11 Mar 03:05");
     EXPECT_EQ(jobs.selectionText(IDs { id(11), id(12) }), "2 jobs selected, 150.00\u00A0EUR before tax");
 }
 
