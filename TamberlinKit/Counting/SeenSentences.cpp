@@ -15,19 +15,16 @@ std::uint64_t SeenSentences::hash(std::string_view sentence)
 
 void SeenSentences::expect(std::size_t count)
 {
-    auto size = m_slots.size();
-    while (4 * (m_used + count) > 3 * size)
-        size *= 2;
-    if (size > m_slots.size())
-        resize(size);
+    const auto needed = (m_used + count) * 4 / 3 + 1;
+    if (needed > m_slots.size())
+        resize(count == 1 ? 2 * m_slots.size() : std::max(needed, m_slots.size() + m_slots.size() / 2));
 }
 
 bool SeenSentences::insert(const Text& sentence, std::uint64_t hash)
 {
     expect(1);
     const auto text = sentence.view();
-    const auto mask = m_slots.size() - 1;
-    for (auto place = static_cast<std::size_t>(hash) & mask;; place = (place + 1) & mask) {
+    for (auto place = placeOf(hash);; place = place + 1 < m_slots.size() ? place + 1 : 0) {
         auto& slot = m_slots[place];
         if (!slot.text) {
             slot = { sentence.stays() ? text.data() : copied(text), static_cast<std::uint32_t>(text.size()),
@@ -66,17 +63,15 @@ const char* SeenSentences::copied(std::string_view sentence)
 
 void SeenSentences::resize(std::size_t size)
 {
-    Slots slots(size);
-    const auto mask = size - 1;
-    for (const auto& slot : m_slots) {
+    const auto slots = std::exchange(m_slots, Slots(size));
+    for (const auto& slot : slots) {
         if (!slot.text)
             continue;
-        auto place = static_cast<std::size_t>(hash({ slot.text, slot.size })) & mask;
-        while (slots[place].text)
-            place = (place + 1) & mask;
-        slots[place] = slot;
+        auto place = placeOf(hash({ slot.text, slot.size }));
+        while (m_slots[place].text)
+            place = place + 1 < size ? place + 1 : 0;
+        m_slots[place] = slot;
     }
-    m_slots = std::move(slots);
 }
 
 } // namespace Tamberlin

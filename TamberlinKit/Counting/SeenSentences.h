@@ -44,7 +44,7 @@ public:
     // here.
     void prefetch(std::uint64_t hash) const
     {
-        __builtin_prefetch(m_slots.data() + (hash & (m_slots.size() - 1)));
+        __builtin_prefetch(m_slots.data() + placeOf(hash));
     }
     // Whether the sentence is new; it is remembered then.
     bool insert(const Text& sentence, std::uint64_t hash);
@@ -59,10 +59,15 @@ private:
     };
     using Slots = Base::LargeVector<Slot>;
 
+    // The upper bits decide, so that the table may have any size.
+    std::size_t placeOf(std::uint64_t hash) const
+    {
+        return static_cast<std::size_t>((hash >> 32) * m_slots.size() >> 32);
+    }
     const char* copied(std::string_view sentence);
     void resize(std::size_t size);
 
-    Slots m_slots = Slots(64); // A power of two of them, at most three quarters in use.
+    Slots m_slots = Slots(64); // At most three quarters in use, and less than 2^32.
     std::size_t m_used = 0;
     std::vector<std::shared_ptr<const void>> m_sources;
     std::vector<std::unique_ptr<char[]>> m_pieces;
