@@ -157,7 +157,11 @@ bool PlainXML::readElement()
     if (!readStartTag())
         return false;
     while (!m_open.empty()) {
-        if (!readText() || !readMarkup())
+        if (m_at != m_end && *m_at == '<') // Mostly tag follows tag.
+            ++m_at;
+        else if (!readText())
+            return false;
+        if (!readMarkup())
             return false;
     }
     return true;
