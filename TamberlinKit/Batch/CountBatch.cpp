@@ -31,6 +31,7 @@ struct Outcome {
 };
 
 // Threads that prepare the files of a list ahead of the one that takes them in order, but only a few ahead.
+// That one helps while the file that it wants isn't ready.
 class Preparation {
 public:
     Preparation(
@@ -43,9 +44,9 @@ public:
         const auto cores = std::max(1u, std::thread::hardware_concurrency());
         const auto wanted = options.threads > 0 ? options.threads : cores;
         const auto threads = std::min<std::size_t>(wanted, files.size());
-        m_mostAhead = threads + 1;
+        m_mostAhead = 2 * threads;
         m_threadsPerFile = threads > 0 ? wanted / static_cast<unsigned>(threads) : 1;
-        for (std::size_t number = 0; threads > 1 && number < threads; ++number) // One alone is the caller's.
+        for (std::size_t number = 1; number < threads; ++number) // The first is the caller's.
             m_threads.emplace_back([this] { work(); });
     }
     Preparation(const Preparation&) = delete;
@@ -54,15 +55,17 @@ public:
 
     Outcome take(std::size_t place)
     {
-        if (m_threads.empty()) {
-            if (m_stop.stop_requested())
-                throw Cancelled();
-            return prepared(m_files[place]);
-        }
         std::unique_lock lock(m_mutex);
         m_taken = place;
-        m_changed.notify_all();
-        m_changed.wait(lock, [&] { return m_outcomes[place].has_value() || m_stop.stop_requested(); });
+        m_hasRoom.notify_one();
+        while (!m_outcomes[place]) {
+            if (m_stop.stop_requested())
+                throw Cancelled();
+            if (mayBegin())
+                prepareNext(lock);
+            else
+                m_isReady.wait(lock);
+        }
         if (m_stop.stop_requested())
             throw Cancelled();
         auto outcome = std::move(*m_outcomes[place]);
@@ -80,24 +83,32 @@ private:
     {
         m_stop.request_stop();
         const std::lock_guard lock(m_mutex);
-        m_changed.notify_all();
+        m_isReady.notify_all();
+        m_hasRoom.notify_all();
+    }
+
+    bool mayBegin() const { return m_next < m_files.size() && m_next < m_taken + m_mostAhead; }
+
+    void prepareNext(std::unique_lock<std::mutex>& lock)
+    {
+        const auto place = m_next++;
+        lock.unlock();
+        auto outcome = prepared(m_files[place]);
+        lock.lock();
+        m_outcomes[place] = std::move(outcome);
+        if (place == m_taken)
+            m_isReady.notify_one();
     }
 
     void work()
     {
+        std::unique_lock lock(m_mutex);
         for (;;) {
-            std::unique_lock lock(m_mutex);
-            m_changed.wait(lock, [&] {
-                return m_stop.stop_requested() || m_next == m_files.size() || m_next < m_taken + m_mostAhead;
-            });
+            m_hasRoom.wait(
+                lock, [&] { return m_stop.stop_requested() || m_next == m_files.size() || mayBegin(); });
             if (m_stop.stop_requested() || m_next == m_files.size())
                 return;
-            const auto place = m_next++;
-            lock.unlock();
-            auto outcome = prepared(m_files[place]);
-            lock.lock();
-            m_outcomes[place] = std::move(outcome);
-            m_changed.notify_all();
+            prepareNext(lock);
         }
     }
 
@@ -128,7 +139,7 @@ private:
     std::size_t m_mostAhead = 0;
     unsigned m_threadsPerFile = 1; // Few long files are counted in pieces.
     std::mutex m_mutex;
-    std::condition_variable m_changed;
+    std::condition_variable m_isReady, m_hasRoom; // The file that is wanted; the list ahead of it.
     std::vector<std::optional<Outcome>> m_outcomes;
     std::size_t m_next = 0, m_taken = 0;
     std::stop_source m_stop;

@@ -61,6 +61,7 @@ PreparedCount::PreparedCount(
     const Extracted& file, const CountOptions& options, unsigned threads, const std::stop_token& cancel)
     : m_file(file)
     , m_options(options)
+    , m_threads(std::max(threads, 1u))
 {
     const auto parts = pieces(file.segments, threads);
     m_pieces.resize(parts.size());
@@ -140,6 +141,7 @@ FileCount PreparedCount::finish(std::int64_t id, SeenSentences& seenInBatch, Fol
     auto& seen = isAcross ? seenInBatch : seenInFile;
     const bool outlivesFile = isAcross && following == Following::files;
     bool keepsSource = false;
+    std::vector<std::string_view> repeated;
     for (auto& piece : m_pieces) {
         count.total += piece.total;
         for (std::size_t part = 0; part < piece.byPart.size(); ++part) {
@@ -154,14 +156,36 @@ FileCount PreparedCount::finish(std::int64_t id, SeenSentences& seenInBatch, Fol
             keepsSource = keepsSource || text.stays();
             if (seen.insert({ text.view(), text.stays() || !outlivesFile }, hash))
                 continue;
-            auto stats = countText(text.view(), rulesOf(m_options));
-            stats.segments = 1;
-            count.repeated += stats;
+            repeated.push_back(text.view());
         }
     }
+    count.repeated = countAgain(repeated);
     if (keepsSource)
         seen.keep(m_file.source.kept);
     return count;
+}
+
+// Of sentences that stood before.
+TextStats PreparedCount::countAgain(const std::vector<std::string_view>& sentences) const
+{
+    constexpr std::size_t worth = 1000; // For a thread.
+    const auto count = std::clamp<std::size_t>(sentences.size() / worth, 1, m_threads);
+    std::vector<TextStats> stats(count);
+    const auto add = [&](std::size_t number) {
+        for (auto at = number * sentences.size() / count; at < (number + 1) * sentences.size() / count; ++at)
+            stats[number] += countText(sentences[at], rulesOf(m_options));
+    };
+    {
+        std::vector<std::jthread> others;
+        for (std::size_t number = 1; number < count; ++number)
+            others.emplace_back(add, number);
+        add(0);
+    }
+    TextStats all;
+    for (const auto& some : stats)
+        all += some;
+    all.segments = static_cast<std::int64_t>(sentences.size());
+    return all;
 }
 
 } // namespace Tamberlin

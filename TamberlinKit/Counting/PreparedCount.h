@@ -53,8 +53,11 @@ private:
             = std::make_unique<std::pmr::monotonic_buffer_resource>();
     };
 
+    TextStats countAgain(const std::vector<std::string_view>& sentences) const;
+
     const Extracted& m_file;
     CountOptions m_options;
+    unsigned m_threads;
     std::vector<Piece> m_pieces;
 };
 
