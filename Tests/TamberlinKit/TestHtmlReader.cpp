@@ -166,7 +166,7 @@ TEST(Html, takesLinearTimeAndCanBeCancelled)
     EXPECT_EQ(html("<ul>" + repeated("<span>", 100'000) + repeated("<li>", 300'000) + "x"), "[x]");
     EXPECT_EQ(html("<p title='" + std::string(5'000'000, 'x') + "'>a").size(),
         5'000'000U + sizeof "[a] hidden[]" - 1);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(120));
 
     std::stop_source source;
     source.request_stop();
