@@ -7,14 +7,13 @@
 #include "Pallisande/Platform/SystemSignals.h"
 #include "Pallisande/Platform/ThreadedNetwork.h"
 #include "Pallisande/Platform/VisitingPreferences.h"
+#include "Pallisande/Preview/PdfRenderer.h"
 #include "Pallisande/Screens/Text.h"
 #include "Pallisande/Shell/FileChooser.h"
 #include "Pallisande/Shell/MainWindow.h"
 #include "Pallisande/Widgets/Icons.h"
 #include "Pallisande/Widgets/ThemeController.h"
 #include "PallisandeKit/Samples/SampleLibrary.h"
-#include "Printing/PdfDocument.h"
-#include "Printing/PrintingError.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -37,18 +36,6 @@ namespace {
 
 using namespace Pallisande;
 namespace fs = std::filesystem;
-
-class PdfRenderer final : public DocumentRenderer {
-public:
-    std::string render(const Tamberlin::PrintedDocument& document) override
-    {
-        try {
-            return makePdf(document);
-        } catch (const PrintingError& error) {
-            throw RenderError(error.what());
-        }
-    }
-};
 
 struct Wishes {
     fs::path library; // Empty: the user's own.

@@ -1,11 +1,10 @@
+#include "Pallisande/Preview/PdfRenderer.h"
 #include "Pallisande/Settings/SettingsWindow.h"
 #include "Pallisande/Shell/MainWindow.h"
 #include "Pallisande/Widgets/SheetDialog.h"
 #include "Pallisande/Widgets/ThemeController.h"
 #include "PallisandeKit/Samples/SampleLibrary.h"
 #include "PallisandeKit/Samples/SampleReport.h"
-#include "Printing/PdfDocument.h"
-#include "Printing/PrintingError.h"
 #include "Tests/Pallisande/ModelWorld.h"
 #include "Tests/Pallisande/WidgetChecks.h"
 
@@ -28,18 +27,6 @@ namespace {
 
 using namespace Pallisande;
 namespace fs = std::filesystem;
-
-class PdfRenderer final : public DocumentRenderer {
-public:
-    std::string render(const Tamberlin::PrintedDocument& document) override
-    {
-        try {
-            return makePdf(document);
-        } catch (const PrintingError& error) {
-            throw RenderError(error.what());
-        }
-    }
-};
 
 void settle(int milliseconds)
 {
