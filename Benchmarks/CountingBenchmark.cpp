@@ -83,19 +83,19 @@ void addText(const std::shared_ptr<const Document>& document)
     add("sentences", document,
         [document] { return eachSentence(document->view(), [](std::string_view) {}); });
     const auto extracted = std::make_shared<const Extracted>(document->extracted());
-    const auto sentences = std::make_shared<std::vector<std::pair<SeenSentences::Text, std::uint64_t>>>();
+    const auto sentences = std::make_shared<std::vector<SeenSentences::Sentence>>();
     for (const auto& segment : extracted->segments) {
         eachSentence(segment.text, [&](std::string_view sentence) {
             if (sentence.data() >= document->bytes.data()
                 && sentence.data() < document->bytes.data() + document->bytes.size())
-                sentences->push_back({ { sentence, true }, SeenSentences::hash(sentence) });
+                sentences->emplace_back(sentence, true);
         });
     }
     add("look-up", document, [sentences] {
         SeenSentences seen;
         std::size_t found = 0;
-        for (const auto& [text, hash] : *sentences)
-            found += !seen.insert(text, hash);
+        for (const auto& sentence : *sentences)
+            found += !seen.insert(sentence);
         return found;
     });
 }

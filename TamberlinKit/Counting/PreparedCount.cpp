@@ -119,7 +119,7 @@ void PreparedCount::Piece::count(std::span<const Segment> segments, const CountO
                 sentence = { kept, sentence.copy(kept, sentence.size()) };
             }
             const bool stays = hasSource && segment.text.isStanding() && reader.isPieceOfText();
-            sentences.push_back({ { sentence, stays }, SeenSentences::hash(sentence) });
+            sentences.emplace_back(sentence, stays);
         }
         auto& part = byPart[static_cast<std::size_t>(segment.part)];
         part = part.value_or(TextStats {}) + stats;
@@ -151,12 +151,11 @@ FileCount PreparedCount::finish(std::int64_t id, SeenSentences& seenInBatch, Fol
         seen.expect(piece.sentences.size());
         for (std::size_t place = 0; place < piece.sentences.size(); ++place) {
             if (place + ahead < piece.sentences.size())
-                seen.prefetch(piece.sentences[place + ahead].hash);
-            const auto& [text, hash] = piece.sentences[place];
-            keepsSource = keepsSource || text.stays();
-            if (seen.insert({ text.view(), text.stays() || !outlivesFile }, hash))
-                continue;
-            repeated.push_back(text.view());
+                seen.prefetch(piece.sentences[place + ahead]);
+            const auto& sentence = piece.sentences[place];
+            keepsSource = keepsSource || sentence.stays();
+            if (!seen.insert(sentence, sentence.stays() || !outlivesFile))
+                repeated.push_back(sentence.text());
         }
     }
     count.repeated = countAgain(repeated);

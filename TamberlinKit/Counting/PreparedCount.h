@@ -33,10 +33,6 @@ public:
     FileCount finish(std::int64_t id, SeenSentences& seenInBatch, Following following = Following::files);
 
 private:
-    struct Sentence {
-        SeenSentences::Text text;
-        std::uint64_t hash;
-    };
     // Some of the segments.
     class Piece {
     public:
@@ -45,7 +41,7 @@ private:
 
         TextStats total;
         std::array<std::optional<TextStats>, caseNames(Part {}).size()> byPart;
-        Base::LargeVector<Sentence> sentences; // That take part in the look-up.
+        Base::LargeVector<SeenSentences::Sentence> sentences; // That take part in the look-up.
 
     private:
         // Holds those that differ from what stands in the file.

@@ -8,9 +8,12 @@
 
 namespace Tamberlin {
 
-std::uint64_t SeenSentences::hash(std::string_view sentence)
+SeenSentences::Sentence::Sentence(std::string_view text, bool stays)
+    : m_begin(text.data())
+    , m_size(static_cast<std::uint32_t>(std::min<std::size_t>(text.size(), longest)) & longest)
+    , m_stays(stays)
+    , m_hash(static_cast<std::uint32_t>(XXH3_64bits(text.data(), text.size())))
 {
-    return XXH3_64bits(sentence.data(), sentence.size());
 }
 
 void SeenSentences::expect(std::size_t count)
@@ -20,19 +23,19 @@ void SeenSentences::expect(std::size_t count)
         resize(count == 1 ? 2 * m_slots.size() : std::max(needed, m_slots.size() + m_slots.size() / 2));
 }
 
-bool SeenSentences::insert(const Text& sentence, std::uint64_t hash)
+bool SeenSentences::insert(const Sentence& sentence, bool stays)
 {
     expect(1);
-    const auto text = sentence.view();
+    const auto text = sentence.text();
+    const auto hash = sentence.hash();
     for (auto place = placeOf(hash);; place = place + 1 < m_slots.size() ? place + 1 : 0) {
         auto& slot = m_slots[place];
         if (!slot.text) {
-            slot = { sentence.stays() ? text.data() : copied(text), static_cast<std::uint32_t>(text.size()),
-                static_cast<std::uint32_t>(hash) };
+            slot = { stays ? text.data() : copied(text), static_cast<std::uint32_t>(text.size()), hash };
             ++m_used;
             return true;
         }
-        const bool isSame = slot.hash == static_cast<std::uint32_t>(hash) && slot.size == text.size()
+        const bool isSame = slot.hash == hash && slot.size == text.size()
             && (slot.text == text.data() || std::string_view(slot.text, slot.size) == text);
         if (isSame)
             return false;
@@ -67,7 +70,7 @@ void SeenSentences::resize(std::size_t size)
     for (const auto& slot : slots) {
         if (!slot.text)
             continue;
-        auto place = placeOf(hash({ slot.text, slot.size }));
+        auto place = placeOf(slot.hash);
         while (m_slots[place].text)
             place = place + 1 < size ? place + 1 : 0;
         m_slots[place] = slot;

@@ -15,18 +15,15 @@ namespace Tamberlin {
 // millions fit.
 class SeenSentences {
 public:
-    // The text of a sentence. What is longer than 2 GB is compared by its beginning; no file that is read is.
-    class Text {
+    // The text of a sentence and its hash, in 16 bytes, since there are millions. What is longer than 2 GB is
+    // compared by its beginning; no file that is read is.
+    class Sentence {
     public:
-        Text(std::string_view text, bool stays)
-            : m_begin(text.data())
-            , m_size(static_cast<std::uint32_t>(std::min<std::size_t>(text.size(), longest)) & longest)
-            , m_stays(stays)
-        {
-        }
+        Sentence(std::string_view text, bool stays);
 
-        std::string_view view() const { return { m_begin, m_size }; }
+        std::string_view text() const { return { m_begin, m_size }; }
         bool stays() const { return m_stays; } // As long as the set does.
+        std::uint32_t hash() const { return m_hash; }
 
     private:
         static constexpr std::uint32_t longest = 0x7FFF'FFFF;
@@ -34,20 +31,20 @@ public:
         const char* m_begin;
         std::uint32_t m_size : 31;
         std::uint32_t m_stays : 1;
+        std::uint32_t m_hash;
     };
-
-    static std::uint64_t hash(std::string_view sentence);
 
     // Makes room for so many more, so that the table needn't grow step by step.
     void expect(std::size_t count);
     // Has the place of a sentence fetched that is looked up soon; waiting for memory is what takes longest
     // here.
-    void prefetch(std::uint64_t hash) const
+    void prefetch(const Sentence& sentence) const
     {
-        __builtin_prefetch(m_slots.data() + placeOf(hash));
+        __builtin_prefetch(m_slots.data() + placeOf(sentence.hash()));
     }
-    // Whether the sentence is new; it is remembered then.
-    bool insert(const Text& sentence, std::uint64_t hash);
+    // Whether the sentence is new; it is remembered then, as a copy if it doesn't stay.
+    bool insert(const Sentence& sentence) { return insert(sentence, sentence.stays()); }
+    bool insert(const Sentence& sentence, bool stays);
     // Keeps what texts that stay stand in.
     void keep(std::shared_ptr<const void> source);
 
@@ -55,14 +52,14 @@ private:
     struct Slot {
         const char* text = nullptr; // Nothing: the slot is free.
         std::uint32_t size = 0;
-        std::uint32_t hash = 0; // Its lower half.
+        std::uint32_t hash = 0;
     };
     using Slots = Base::LargeVector<Slot>;
 
     // The upper bits decide, so that the table may have any size.
-    std::size_t placeOf(std::uint64_t hash) const
+    std::size_t placeOf(std::uint32_t hash) const
     {
-        return static_cast<std::size_t>((hash >> 32) * m_slots.size() >> 32);
+        return static_cast<std::size_t>(std::uint64_t(hash) * m_slots.size() >> 32);
     }
     const char* copied(std::string_view sentence);
     void resize(std::size_t size);
