@@ -1,9 +1,9 @@
 #include "TamberlinKit/Readers/Readers.h"
+#include "Tests/Support/Effort.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -153,7 +153,7 @@ TEST(Html, takesLinearTimeAndCanBeCancelled)
             text += piece;
         return text;
     };
-    const auto start = std::chrono::steady_clock::now();
+    const ::Test::Effort effort;
     for (const auto piece : { "<div>", "<div hidden>", "<b>", "<x>", "<table><td>", "<svg><p>", "<a href=\"",
              "<a b='", "<!--", "<!doctype ", "<![CDATA[", "<svg><![CDATA[", "<script><!--<script>", "</titl",
              "&", "&CounterClockwise", "<", "<a b ", "<li>", "<template>" }) {
@@ -166,7 +166,7 @@ TEST(Html, takesLinearTimeAndCanBeCancelled)
     EXPECT_EQ(html("<ul>" + repeated("<span>", 100'000) + repeated("<li>", 300'000) + "x"), "[x]");
     EXPECT_EQ(html("<p title='" + std::string(5'000'000, 'x') + "'>a").size(),
         5'000'000U + sizeof "[a] hidden[]" - 1);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(120));
+    EXPECT_LT(effort.seconds(), 120);
 
     std::stop_source source;
     source.request_stop();
