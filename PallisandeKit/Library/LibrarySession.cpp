@@ -192,15 +192,16 @@ bool LibrarySession::heldALibrary() const
 
 void LibrarySession::mentionConflictCopies()
 {
-    for (const auto& name : m_folder.files()) {
-        const bool isConflict = name.find("conflicted copy") != std::string::npos
-            || name.find(".sync-conflict-") != std::string::npos;
-        if (isConflict)
-            m_messages.push_back(fmt::format("A sync program left “{}” in the library folder. Pallisande "
-                                             "doesn’t read it; compare it with your "
-                                             "library and remove it.",
-                name));
-    }
+    const auto copies = m_store.conflictCopies();
+    if (copies.empty())
+        return;
+    m_messages.push_back(copies.size() == 1
+            ? fmt::format("A sync program left “{}” in the library folder. Compare it with your library; it "
+                          "is never read in its place.",
+                copies.front().filename().string())
+            : fmt::format("A sync program left {} other versions of your library in its folder. Compare them "
+                          "with your library; they are never read in its place.",
+                copies.size()));
 }
 
 // --- Saving

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -66,6 +67,7 @@ public:
     const LibraryStore& store() const { return m_store; }
     const SessionServices& services() const { return m_services; }
     Base::Moment moment() const { return { m_services.now(), m_services.calendar }; }
+    void setCalendar(const Base::Calendar& calendar) { m_services.calendar = calendar; }
 
     bool isReadOnly() const { return m_readOnly != ReadOnlyReason::none; }
     ReadOnlyReason readOnlyReason() const { return m_readOnly; }
@@ -103,11 +105,17 @@ public:
     // Puts a backup in the place of the library, which is backed up first; also where the document was
     // missing.
     void restore(const std::filesystem::path& backup);
+    // The same in its two parts, of which only the second is the session's. The first throws SessionError;
+    // the second gives where the copy is, if there was anything to copy, and is written by the next `save`.
+    static Library readBackup(const std::filesystem::path& backup, const Base::Moment& moment);
+    std::optional<std::filesystem::path> replaceBy(Library library);
     // Begins a new library in a folder whose document is missing.
     void startAnew();
     // Takes over issued documents that the issue log and their PDFs know and the library doesn't (an older
     // backup was restored). Gives their numbers.
     std::vector<std::string> recoverFromIssueLog();
+    // What `unrecordedDocuments` found; one that has a record by now is passed over.
+    std::vector<std::string> takeOver(const std::vector<Ledger::IssuePlan>& documents);
     // Moves the library to another folder, or takes over the one that is there. The old folder is left as it
     // was.
     void moveTo(const std::filesystem::path& folder);
@@ -139,5 +147,12 @@ private:
     std::vector<std::string> m_messages;
     bool m_isDirty = false;
 };
+
+// The numbers of the documents that were issued.
+std::set<std::string> issuedNumbers(const Library& library);
+// Documents that the issue log of the folder knows, whose PDF is the one that was issued, and whose number
+// isn't among those recorded.
+std::vector<Ledger::IssuePlan> unrecordedDocuments(
+    const LibraryStore& store, std::set<std::string> recorded, const Base::Moment& moment);
 
 } // namespace Pallisande

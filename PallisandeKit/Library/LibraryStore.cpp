@@ -5,6 +5,7 @@
 #include "Base/Sha256.h"
 #include "Base/Text.h"
 #include "PallisandeKit/Ledger/Ledger.h"
+#include "PallisandeKit/Library/LibraryFileName.h"
 
 #include <fmt/format.h>
 
@@ -18,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view namePrefix = "Pallisande Library";
+constexpr auto namePrefix = LibraryFileName::stem;
 constexpr int mostTries = 3600; // Of names for a file moved aside or an on-demand copy.
 
 // The document read for its version alone.
@@ -30,10 +31,7 @@ struct Header {
 
 bool isDated(const std::string& name)
 {
-    constexpr std::string_view ending = ".json";
-    return name.size() == namePrefix.size() + 1 + 10 + ending.size() && name.starts_with(namePrefix)
-        && name[namePrefix.size()] == ' ' && name.ends_with(ending)
-        && Base::Day::parse(std::string_view(name).substr(namePrefix.size() + 1, 10));
+    return LibraryFileName::of(name).kind == LibraryFileName::Kind::dated;
 }
 
 std::string datedName(Base::Day day) { return fmt::format("{} {}.json", namePrefix, day.toString()); }
@@ -275,6 +273,17 @@ std::vector<fs::path> LibraryStore::backups() const
     std::vector<fs::path> paths;
     for (auto name = names.rbegin(); name != names.rend(); ++name)
         paths.push_back(folder.path() / *name);
+    return paths;
+}
+
+std::vector<fs::path> LibraryStore::conflictCopies() const
+{
+    const auto folder = Base::Folder::open(m_folder);
+    std::vector<fs::path> paths;
+    for (const auto& name : folder.files()) {
+        if (LibraryFileName::of(name).kind == LibraryFileName::Kind::conflict)
+            paths.push_back(folder.path() / name);
+    }
     return paths;
 }
 

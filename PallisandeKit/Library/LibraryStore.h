@@ -94,6 +94,8 @@ public:
         const std::optional<std::filesystem::path>& into = std::nullopt) const;
 
     std::vector<std::filesystem::path> backups() const; // Newest first.
+    // Other versions of the document beside it, which are never read for it, nor removed.
+    std::vector<std::filesystem::path> conflictCopies() const;
 
     // Keeps a copy of an imported report; gives its path relative to the folder.
     std::string storeReport(std::string_view data, const std::string& fileName, const Base::Uuid& id) const;

@@ -71,19 +71,31 @@ void LibrarySession::restore(const fs::path& backup)
 {
     if (m_readOnly != ReadOnlyReason::missingFile)
         requireWritable();
-    std::optional<Library> restored;
+    replaceBy(readBackup(backup, moment()));
+    save();
+}
+
+Library LibrarySession::readBackup(const fs::path& backup, const Base::Moment& moment)
+{
     try {
-        restored = LibraryStore::decode(Base::readFile(backup).bytes, moment());
+        return LibraryStore::decode(Base::readFile(backup).bytes, moment);
     } catch (const std::exception& error) {
         throw SessionError(
             fmt::format("“{}” couldn’t be restored: {}", backup.filename().string(), error.what()));
     }
-    if (m_readOnly != ReadOnlyReason::missingFile)
-        backUpNow();
+}
+
+std::optional<fs::path> LibrarySession::replaceBy(Library library)
+{
+    std::optional<fs::path> copy;
+    if (m_readOnly != ReadOnlyReason::missingFile) {
+        requireWritable();
+        copy = backUpNow();
+    }
     m_readOnly = ReadOnlyReason::none;
-    m_library = std::move(*restored);
+    m_library = std::move(library);
     m_isDirty = true;
-    save();
+    return copy;
 }
 
 void LibrarySession::startAnew()

@@ -171,19 +171,49 @@ void LibrarySession::finishInterruptedIssuing()
     }
 }
 
+std::set<std::string> issuedNumbers(const Library& library)
+{
+    std::set<std::string> numbers;
+    for (const auto& invoice : library.invoices) {
+        if (invoice.isIssued())
+            numbers.insert(*invoice.number);
+    }
+    return numbers;
+}
+
+std::vector<Ledger::IssuePlan> unrecordedDocuments(
+    const LibraryStore& store, std::set<std::string> recorded, const Base::Moment& moment)
+{
+    const IssueLog log(Base::Folder::open(store.folder()), moment);
+    std::vector<Ledger::IssuePlan> found;
+    for (const auto& [plan, pdfHash, outcome] : log.entries()) {
+        const auto number = plan.document.number.value_or("");
+        if (outcome == IssueLog::Outcome::dropped || recorded.contains(number)
+            || storedHash(store, plan) != pdfHash)
+            continue;
+        recorded.insert(number);
+        found.push_back(plan);
+    }
+    return found;
+}
+
 std::vector<std::string> LibrarySession::recoverFromIssueLog()
 {
     requireWritable();
     requireFolder();
-    const IssueLog log(m_folder, moment());
+    return takeOver(unrecordedDocuments(m_store, issuedNumbers(m_library), moment()));
+}
+
+std::vector<std::string> LibrarySession::takeOver(const std::vector<Ledger::IssuePlan>& documents)
+{
+    requireWritable();
+    requireFolder();
     std::vector<std::string> numbers;
-    for (const auto& entry : log.entries()) {
-        const bool canBeTaken = entry.outcome != IssueLog::Outcome::dropped
-            && !isRecorded(m_library, entry.plan) && storedHash(m_store, entry.plan) == entry.pdfSHA256;
-        if (canBeTaken) {
-            Ledger::carryOut(m_library, entry.plan);
-            numbers.push_back(entry.plan.document.number.value_or(""));
-        }
+    for (const auto& plan : documents) {
+        if (isRecorded(m_library, plan))
+            continue;
+        Ledger::carryOut(m_library, plan);
+        numbers.push_back(plan.document.number.value_or(""));
     }
     if (!numbers.empty()) {
         m_isDirty = true;

@@ -309,7 +309,7 @@ TEST(Journeys, theProgramNeedsNothingOfQt)
     if (!fs::exists("/usr/bin/ldd"))
         GTEST_SKIP() << "no program to list libraries";
     const auto libraries = runProgram("/usr/bin/ldd", { Program().program.string() }, "").output;
-    EXPECT_NE(libraries.find("libexpat"), std::string::npos) << libraries;
+    EXPECT_NE(libraries.find("libc.so"), std::string::npos) << libraries;
     EXPECT_EQ(libraries.find("libQt"), std::string::npos) << libraries;
 }
 
