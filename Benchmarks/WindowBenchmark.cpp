@@ -6,6 +6,7 @@
 
 #include "Benchmarks/MakeLibrary.h"
 #include "Pallisande/Model/JobSection.h"
+#include "Pallisande/Model/LibraryCopies.h"
 #include "Pallisande/Model/QtServices.h"
 #include "Pallisande/Platform/FolderBookmarks.h"
 #include "Pallisande/Shell/MainWindow.h"
@@ -114,4 +115,7 @@ int main(int count, char** arguments)
     measure("sorted by price", [&] { model.jobs().setSort(JobSort::price); });
     measure("all selected", [&] { list->selectAll(); });
     measure("a minute passes", [&] { emit model.timePassed(); });
+    const auto copy = model.library(); // Reading one is the work of another thread.
+    measure("a copy compared", [&] { compare(model.library(), copy, 2026); });
+    measure("documents without a record looked for", [&] { model.copies().lookForUnrecorded(); });
 }

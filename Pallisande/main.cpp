@@ -47,15 +47,16 @@ Wishes readArguments(const QApplication& application)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QObject::tr("Clients, jobs, counts and invoices of a freelance translator."));
+        QStringLiteral("Clients, jobs, counts and invoices of a freelance translator."));
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption library(
-        QStringLiteral("library"), QObject::tr("Opens the library in FOLDER."), QStringLiteral("FOLDER"));
-    const QCommandLineOption sample(QStringLiteral("sample"), QObject::tr("Opens a library of sample data."));
+        QStringLiteral("library"), QStringLiteral("Opens the library in FOLDER."), QStringLiteral("FOLDER"));
+    const QCommandLineOption sample(
+        QStringLiteral("sample"), QStringLiteral("Opens a library of sample data."));
     parser.addOptions({ library, sample });
     parser.addPositionalArgument(QStringLiteral("FILES"),
-        QObject::tr("Reports, documents or a library to open."), QStringLiteral("[FILES…]"));
+        QStringLiteral("Reports, documents or a library to open."), QStringLiteral("[FILES…]"));
     parser.process(application);
     Wishes wishes { .isSample = parser.isSet(sample) };
     if (parser.isSet(library))
@@ -150,6 +151,7 @@ int main(int count, char** arguments)
     const AppServices services {
         .now = &Base::Instant::now,
         .calendar = Base::Calendar::system(),
+        .systemCalendar = &Base::Calendar::system,
         .after = &afterWait,
         .background = &background,
         .preferences = &preferences,

@@ -7,6 +7,7 @@
 #include "Pallisande/Model/Imports.h"
 #include "Pallisande/Model/InvoiceSection.h"
 #include "Pallisande/Model/JobSection.h"
+#include "Pallisande/Model/LibraryCopies.h"
 
 #include <algorithm>
 #include <utility>
@@ -40,6 +41,7 @@ AppModel::AppModel(AppServices services, QObject* parent)
     , m_imports(std::make_unique<Imports>(*this))
     , m_counts(std::make_unique<DocumentCounts>(*this))
     , m_profile(std::make_unique<BusinessProfile>(*this))
+    , m_copies(std::make_unique<LibraryCopies>(*this))
 {
 }
 
@@ -268,12 +270,27 @@ void AppModel::outdateBadges()
 
 void AppModel::minutePassed()
 {
+    adoptZone();
     m_deadlines->outdate();
     m_jobs->outdate();
     m_invoices->outdate();
     outdateBadges();
     emit timePassed();
     m_minuteTask = m_services.after(minuteLength, [this] { minutePassed(); });
+}
+
+// Users travel: days and reminders go by the zone that the computer is set to now.
+void AppModel::adoptZone()
+{
+    if (!m_services.systemCalendar)
+        return;
+    const auto calendar = m_services.systemCalendar();
+    if (calendar.zone() == m_services.calendar.zone())
+        return;
+    m_services.calendar = calendar;
+    if (m_session)
+        m_session->setCalendar(calendar);
+    scheduleReminders();
 }
 
 // What searching compares is made ready bit by bit, so that the first key of a search needn't wait for it.

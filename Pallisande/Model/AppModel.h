@@ -26,6 +26,7 @@ class DocumentCounts;
 class Imports;
 class InvoiceSection;
 class JobSection;
+class LibraryCopies;
 
 enum class SaveState { saved, saving, unsaved, failed };
 
@@ -46,6 +47,7 @@ public:
     Imports& imports() { return *m_imports; }
     DocumentCounts& counts() { return *m_counts; }
     BusinessProfile& profile() { return *m_profile; }
+    LibraryCopies& copies() { return *m_copies; }
 
     // --- The library and its folder
     void start(); // Opens the library, off the main thread.
@@ -67,7 +69,7 @@ public:
     void chooseLibraryFolder(); // Moves the library, or opens another when this one can't be read.
     void moveLibrary(const std::filesystem::path& folder);
     void startNewLibrary(); // Where the library file is missing.
-    void restoreBackup(const std::filesystem::path& backup);
+    void restoreBackup(const std::filesystem::path& backup); // Or another copy; read off the main thread.
     void backUpNow();
     void showLibraryFolder();
 
@@ -163,6 +165,8 @@ signals:
     void importChanged();
     void countingChanged();
     void issuingChanged();
+    void copiesChanged(); // Of the library, or what is known of them.
+    void unrecordedChanged(); // Documents that only the issue log knows.
 
 private:
     struct Place {
@@ -176,6 +180,7 @@ private:
     void opened(std::optional<LibrarySession> session, const std::string& failure);
     void takeMessages();
     void anotherLibrary();
+    void replaceLibrary(Library library, const std::string& name);
     void refreshReadOnly(const std::string& text);
     SessionServices sessionServices();
     // AppModelSaving.cpp
@@ -197,6 +202,7 @@ private:
     void goTo(const Place& place);
     void outdateBadges();
     void minutePassed();
+    void adoptZone();
     void prepareSearch(std::size_t from);
     void letGoOfRows(AppSection section);
     static RecordKind kindOf(AppSection section);
@@ -236,6 +242,7 @@ private:
     std::unique_ptr<Imports> m_imports;
     std::unique_ptr<DocumentCounts> m_counts;
     std::unique_ptr<BusinessProfile> m_profile;
+    std::unique_ptr<LibraryCopies> m_copies;
 
     friend class InvoiceSection; // Hands the PDF that it had drawn to the session.
 };

@@ -1,4 +1,5 @@
 #include "Pallisande/Model/AppModel.h"
+#include "Pallisande/Model/LibraryCopies.h"
 
 #include <fmt/format.h>
 
@@ -123,6 +124,7 @@ void AppModel::backUpNow()
         const auto file = m_session->backUpNow(second);
         tell(Notice { .text = fmt::format("Backed up as “{}”.", file.filename().string()),
             .action = Notice::Action::show });
+        m_copies->refresh();
     } catch (const SessionError& error) {
         refuse(error.what());
     } catch (const std::exception& error) {

@@ -3,6 +3,7 @@
 #include "Pallisande/Model/DeadlineSection.h"
 #include "Pallisande/Model/InvoiceSection.h"
 #include "Pallisande/Model/JobSection.h"
+#include "Pallisande/Model/LibraryCopies.h"
 
 #include <fmt/format.h>
 
@@ -126,7 +127,7 @@ void AppModel::takeMessages()
             m_readOnlyText = text;
         const bool isNotice = text.starts_with("A sync program left");
         if (isNotice)
-            m_messages.tell(Notice { .text = text }, m_services.now());
+            m_messages.tell(Notice { .text = text, .action = Notice::Action::showBackups }, m_services.now());
         else
             m_messages.tellLater({ .text = text, .action = actionFor(*m_session, text) }, m_services.now());
     }
@@ -156,6 +157,8 @@ void AppModel::anotherLibrary()
     emit problemChanged();
     for (const auto section : { AppSection::jobs, AppSection::clients, AppSection::invoices })
         emit selectionChanged(section);
+    m_copies->refresh();
+    m_copies->lookForUnrecorded();
 }
 
 ReadOnlyReason AppModel::readOnly() const
@@ -248,17 +251,50 @@ void AppModel::startNewLibrary()
 
 void AppModel::restoreBackup(const fs::path& backup)
 {
-    if (!m_session)
+    if (!canEdit() && readOnly() != ReadOnlyReason::missingFile) {
+        refuse(m_readOnlyText);
         return;
-    try {
-        m_session->restore(backup);
-        m_readOnlyText.clear();
-        m_messages.dismissProblem();
-    } catch (const SessionError& error) {
-        refuse(error.what());
     }
-    m_saveTask.reset();
+    struct Reading {
+        std::optional<Library> library;
+        std::string failure;
+    };
+    const auto reading = std::make_shared<Reading>();
+    inBackground(
+        [reading, backup, moment = moment()] {
+            try {
+                reading->library = LibrarySession::readBackup(backup, moment);
+            } catch (const std::exception& error) {
+                reading->failure = error.what();
+            }
+        },
+        [this, reading, name = backup.filename().string(), before = folder()] {
+            if (!reading->library)
+                refuse(reading->failure);
+            else if (m_session
+                && before == folder()) // Which was moved meanwhile: it isn't the same any more.
+                replaceLibrary(std::move(*reading->library), name);
+        });
+}
+
+void AppModel::replaceLibrary(Library library, const std::string& name)
+{
+    std::optional<fs::path> copy;
+    try {
+        copy = m_session->replaceBy(std::move(library));
+    } catch (const std::exception& error) {
+        refuse(error.what());
+        return;
+    }
+    m_readOnlyText.clear();
+    m_messages.dismissProblem();
+    const bool isSaved = write();
     anotherLibrary();
+    if (isSaved && copy)
+        tell(Notice { .text = fmt::format("“{}” is your library now. What was there before was kept as “{}”.",
+                          name, copy->filename().string()) });
+    else if (isSaved)
+        tell(Notice { .text = fmt::format("“{}” is your library now.", name) });
 }
 
 } // namespace Pallisande

@@ -133,11 +133,13 @@ ClientRow ClientSection::row(const Base::Uuid& id) const
     ClientRow row { .id = id, .name = client->name, .isArchived = client->archived };
     if (open > 0)
         row.open = fmt::format("{} open", open);
-    row.terms = fmt::format("{} · {} per {}", client->currency, m_model.formats().rate(client->defaultRate),
-        client->unit == RateUnit::word ? "word" : "character");
+    const auto rate = m_model.formats().rate(client->defaultRate);
+    const auto* const unit = client->unit == RateUnit::word ? "word" : "character";
+    row.terms = fmt::format("{} · {} per {}", client->currency, rate, unit);
+    const auto spokenTerms = fmt::format("{} {} per {}", rate, client->currency, unit);
     row.spoken
         = fmt::format("{}{}, {}{}", row.name, open > 0 ? ", " + counted(open, "open job", "open jobs") : "",
-            row.terms, row.isArchived ? ", archived" : "");
+            spokenTerms, row.isArchived ? ", archived" : "");
     return row;
 }
 

@@ -4,6 +4,8 @@
 #include "Pallisande/Model/InvoiceSection.h"
 #include "Pallisande/Model/JobSection.h"
 
+#include "Base/Text.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -46,6 +48,7 @@ DeadlineCard DeadlineSection::card(const Job& job, const Base::Moment& moment) c
         .hasProblems = figures.hasProblems };
     if (const auto pair = job.pair.text(); !pair.empty())
         card.clientAndPair += (card.clientAndPair.empty() ? "" : " · ") + pair;
+    std::string spokenDue = "no deadline";
     if (job.deadline) {
         const auto today = moment.calendar.day(moment.now);
         const auto text = [&](const Base::Calendar& calendar) {
@@ -54,17 +57,19 @@ DeadlineCard DeadlineSection::card(const Job& job, const Base::Moment& moment) c
         };
         const auto zone = client ? Base::Calendar::named(client->timeZone) : std::nullopt;
         card.due = text(zone.value_or(moment.calendar));
+        spokenDue = "due " + card.due;
         if (zone && zone->zone() != moment.calendar.zone()) {
             card.due += " · " + cityOf(zone->zone());
             card.dueHere = text(moment.calendar) + " here";
+            spokenDue += " in " + cityOf(zone->zone()) + ", which is " + card.dueHere;
         }
         card.nearness = Formats::nearness(*job.deadline, moment);
         card.isOverdue = *job.deadline < moment.now;
     }
     card.spoken = card.title;
-    for (const auto& part : { card.clientAndPair, std::string(title(job.status)),
-             card.due.empty() ? std::string("no deadline") : "due " + card.due, card.nearness,
-             figures.hasPrice ? card.price + " before tax" : card.price }) {
+    for (const auto& part :
+        { client ? client->name : "", spokenPair(job.pair), Base::asciiLowered(title(job.status)), spokenDue,
+            card.nearness, figures.hasPrice ? card.price + " before tax" : card.price }) {
         if (!part.empty())
             card.spoken += ", " + part;
     }

@@ -184,17 +184,7 @@ bool DocumentCounts::makeJob(const NewJob& entry)
     if (!m_finished || m_run)
         return false;
     const auto now = m_model.moment().now;
-    const Job job {
-        .id = Base::Uuid::random(),
-        .title = entry.title,
-        .clientID = entry.clientID,
-        .pair = entry.pair,
-        .reference = entry.reference,
-        .received = now,
-        .deadline = entry.deadline,
-        .created = now,
-        .modified = now,
-    };
+    const auto job = m_model.jobs().made(entry);
     const bool isDone = m_model.change({ .name = "Add Job", .savesAtOnce = true }, [&](Library& library) {
         Ledger::addJob(library, job);
         try {

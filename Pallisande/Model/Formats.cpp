@@ -3,9 +3,11 @@
 #include "TamberlinKit/Quotes/Money.h"
 
 #include <fmt/format.h>
+#include <unicode/decimfmt.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 namespace Pallisande {
 
@@ -30,15 +32,38 @@ std::size_t weekDayOf(Base::Day day)
     return static_cast<std::size_t>(days % 7);
 }
 
+std::string languageName(const std::string& tag)
+{
+    constexpr std::size_t longestCode = 3;
+    auto status = U_ZERO_ERROR;
+    const auto locale = icu::Locale::forLanguageTag(tag, status);
+    if (U_FAILURE(status) || std::string_view(locale.getLanguage()).size() > longestCode)
+        return tag; // A name already.
+    icu::UnicodeString name;
+    std::string text;
+    return locale.getDisplayName(icu::Locale::getEnglish(), name).toUTF8String(text);
+}
+
 } // namespace
 
 Formats::Formats(const QLocale& locale)
     : m_group(locale.groupSeparator().toStdString())
     , m_decimal(locale.decimalPoint().toStdString())
-    , m_percent(locale.percent().toStdString())
     , m_hasTwelveHours(
           locale.timeFormat(QLocale::ShortFormat).contains(QLatin1Char('a'), Qt::CaseInsensitive))
 {
+    // Qt knows the sign, ICU where it stands: "25%", "25 %", "%25".
+    auto status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::NumberFormat> format(
+        icu::NumberFormat::createPercentInstance(icu::Locale(locale.name().toLatin1().data()), status));
+    const auto* const percent = dynamic_cast<const icu::DecimalFormat*>(format.get());
+    icu::UnicodeString affix;
+    if (percent && U_SUCCESS(status)) {
+        percent->getPositivePrefix(affix).toUTF8String(m_beforePercent);
+        percent->getPositiveSuffix(affix).toUTF8String(m_afterPercent);
+    } else {
+        m_afterPercent = "%";
+    }
 }
 
 std::string Formats::number(const Base::Decimal& value, int places) const
@@ -75,7 +100,7 @@ std::string Formats::exchangeRate(const Base::Decimal& rate) const
 
 std::string Formats::percent(const Base::Decimal& percent) const
 {
-    return number(percent.rounded(mostPercentPlaces)) + m_percent;
+    return m_beforePercent + number(percent.rounded(mostPercentPlaces)) + m_afterPercent;
 }
 
 std::string Formats::time(const Base::Calendar::Components& at) const
@@ -118,6 +143,15 @@ std::string Formats::nearness(Base::Instant deadline, const Base::Moment& moment
 std::string counted(std::int64_t count, std::string_view one, std::string_view many)
 {
     return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+std::string spokenPair(const LanguagePair& pair)
+{
+    if (pair.source.empty())
+        return pair.target.empty() ? "" : "to " + languageName(pair.target);
+    if (pair.target.empty())
+        return "from " + languageName(pair.source);
+    return languageName(pair.source) + " to " + languageName(pair.target);
 }
 
 std::string cityOf(std::string_view zone)

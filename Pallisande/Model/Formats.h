@@ -2,6 +2,7 @@
 
 #include "Base/Calendar.h"
 #include "Base/Decimal.h"
+#include "PallisandeKit/Records/LanguagePair.h"
 
 #include <QLocale>
 
@@ -37,12 +38,15 @@ public:
     static std::string nearness(Base::Instant deadline, const Base::Moment& moment);
 
 private:
-    std::string m_group, m_decimal, m_percent;
+    std::string m_group, m_decimal, m_beforePercent, m_afterPercent;
     bool m_hasTwelveHours = false;
 };
 
 // "1 job", "3 jobs"
 std::string counted(std::int64_t count, std::string_view one, std::string_view many);
+
+// As it is said: "German to English (United States)"; what is no code stays as it is.
+std::string spokenPair(const LanguagePair& pair);
 
 // The city of an IANA zone: "Tokyo" of "Asia/Tokyo".
 std::string cityOf(std::string_view zone);

@@ -1,6 +1,9 @@
 #include "Pallisande/Model/AppModel.h"
 #include "Pallisande/Model/InvoiceSection.h"
+#include "Pallisande/Model/LibraryCopies.h"
 #include "Pallisande/Model/SearchKey.h"
+
+#include "Base/Text.h"
 
 #include <fmt/format.h>
 
@@ -136,7 +139,8 @@ InvoiceRow InvoiceSection::row(const Base::Uuid& id) const
     row.subtitle = fmt::format("{} · {}{}", invoice->client.name, invoice->isIssued() ? "" : "made ",
         Formats::shortDay(moment.calendar.day(date), today));
     row.chip = label(row.status);
-    auto state = row.chip;
+    auto state = invoice->isIssued() ? Base::asciiLowered(row.chip)
+                                     : "made " + Formats::shortDay(moment.calendar.day(date), today);
     if (row.status == InvoiceStatus::overdue) {
         const auto days = moment.calendar.daysBetween(*invoice->dueDate, moment.now);
         row.chip += " " + counted(days, "day", "days");
@@ -164,9 +168,18 @@ std::vector<int> InvoiceSection::years() const
 
 const std::vector<std::string>& InvoiceSection::numbering() const
 {
-    if (!m_numbering)
-        m_numbering = Ledger::checkNumbering(m_model.library());
-    return *m_numbering;
+    if (m_numbering)
+        return *m_numbering;
+    auto& lines = m_numbering.emplace(Ledger::checkNumbering(m_model.library()));
+    if (const auto numbers = m_model.copies().unrecorded(); !numbers.empty()) {
+        if (numberingIsSound())
+            lines.clear();
+        lines.push_back(
+            fmt::format("{} {} a stored PDF but no record here. Settings › Library › Show Backups… "
+                        "takes over what the issue log knows.",
+                LibraryCopies::enumerated(numbers), numbers.size() == 1 ? "has" : "have"));
+    }
+    return lines;
 }
 
 bool InvoiceSection::numberingIsSound() const

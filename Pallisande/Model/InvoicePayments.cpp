@@ -23,16 +23,6 @@ std::string sourceText(const RateSource& source)
 
 } // namespace
 
-std::vector<RecordID> InvoiceSection::touchedByPayment(const Base::Uuid& id) const
-{
-    std::vector<RecordID> records { { RecordKind::invoice, id } };
-    for (const auto& job : m_model.library().jobs) {
-        if (job.invoiceID == id)
-            records.push_back({ RecordKind::job, job.id });
-    }
-    return records;
-}
-
 Payment InvoiceSection::payment(const Invoice& invoice, const PaymentEntry& entry) const
 {
     const auto moment = m_model.moment();
@@ -66,65 +56,64 @@ std::optional<Base::Decimal> InvoiceSection::bankKept(const Invoice& invoice, co
     return worth - *receivedHome;
 }
 
-bool InvoiceSection::recordPayment(const Base::Uuid& id, const PaymentEntry& entry)
+Edit InvoiceSection::editOfPayments(const std::string& name, std::span<const Base::Uuid> ids) const
 {
-    const bool isDone = m_model.change({ .name = "Record Payment",
-                                           .touches = touchedByPayment(id),
-                                           .isOfPayments = true,
-                                           .savesAtOnce = true },
-        [&](Library& library) {
-            const auto* const invoice = m_model.invoice(id);
-            if (!invoice)
-                throw LedgerError::notFound();
-            Ledger::addPayment(library, id, payment(*invoice, entry), m_model.moment());
-        });
+    Edit edit { .name = name, .isOfPayments = true, .savesAtOnce = true };
+    for (const auto& id : ids) {
+        edit.touches.push_back({ RecordKind::invoice, id });
+        for (const auto& job : m_model.library().jobs) {
+            if (job.invoiceID == id)
+                edit.touches.push_back({ RecordKind::job, job.id });
+        }
+    }
+    return edit;
+}
+
+bool InvoiceSection::enterPayment(const std::string& name, const Base::Uuid& id,
+    const std::function<void(Library& library, const Invoice& invoice)>& enter)
+{
+    const bool isDone = m_model.change(editOfPayments(name, { &id, 1 }), [&](Library& library) {
+        const auto* const invoice = m_model.invoice(id);
+        if (!invoice)
+            throw LedgerError::notFound();
+        enter(library, *invoice);
+    });
     if (isDone)
         m_model.closeSheet();
     return isDone;
+}
+
+bool InvoiceSection::recordPayment(const Base::Uuid& id, const PaymentEntry& entry)
+{
+    return enterPayment("Record Payment", id, [&](Library& library, const Invoice& invoice) {
+        Ledger::addPayment(library, id, payment(invoice, entry), m_model.moment());
+    });
 }
 
 bool InvoiceSection::editPayment(const Base::Uuid& id, const Base::Uuid& paymentID, const PaymentEntry& entry)
 {
-    const bool isDone = m_model.change({ .name = "Change Payment",
-                                           .touches = touchedByPayment(id),
-                                           .isOfPayments = true,
-                                           .savesAtOnce = true },
-        [&](Library& library) {
-            const auto* const invoice = m_model.invoice(id);
-            if (!invoice)
-                throw LedgerError::notFound();
-            auto edited = payment(*invoice, entry);
-            edited.id = paymentID;
-            for (const auto& old : invoice->payments) { // A rate that wasn't touched keeps its source.
-                const bool keepsRate = old.id == paymentID && old.rate
-                    && (!edited.rate || edited.rate->rate == old.rate->rate) && edited.date == old.date;
-                if (keepsRate)
-                    edited.rate = old.rate;
-            }
-            Ledger::editPayment(library, id, std::move(edited), m_model.moment());
-        });
-    if (isDone)
-        m_model.closeSheet();
-    return isDone;
+    return enterPayment("Change Payment", id, [&](Library& library, const Invoice& invoice) {
+        auto edited = payment(invoice, entry);
+        edited.id = paymentID;
+        for (const auto& old : invoice.payments) { // A rate that wasn't touched keeps its source.
+            const bool keepsRate = old.id == paymentID && old.rate
+                && (!edited.rate || edited.rate->rate == old.rate->rate) && edited.date == old.date;
+            if (keepsRate)
+                edited.rate = old.rate;
+        }
+        Ledger::editPayment(library, id, std::move(edited), m_model.moment());
+    });
 }
 
 bool InvoiceSection::removePayment(const Base::Uuid& id, const Base::Uuid& paymentID)
 {
-    return m_model.change({ .name = "Remove Payment",
-                              .touches = touchedByPayment(id),
-                              .isOfPayments = true,
-                              .savesAtOnce = true },
+    return m_model.change(editOfPayments("Remove Payment", { &id, 1 }),
         [&](Library& library) { Ledger::removePayment(library, id, paymentID, m_model.moment()); });
 }
 
 bool InvoiceSection::payInFull(std::span<const Base::Uuid> ids, Base::Instant date)
 {
-    Edit edit { .name = "Record Payment", .isOfPayments = true, .savesAtOnce = true };
-    for (const auto& id : ids) {
-        const auto records = touchedByPayment(id);
-        edit.touches.insert(edit.touches.end(), records.begin(), records.end());
-    }
-    return m_model.change(edit, [&](Library& library) {
+    return m_model.change(editOfPayments("Record Payment", ids), [&](Library& library) {
         for (const auto& id : ids) {
             const auto* const invoice = m_model.invoice(id);
             if (!invoice)

@@ -18,6 +18,7 @@
 namespace Pallisande {
 
 class AppModel;
+struct Edit;
 
 enum class InvoiceFilter { all, drafts, unpaid, overdue, paid, credited, creditNotes };
 enum class InvoiceSort { newest, client, due, amount, status };
@@ -186,7 +187,9 @@ private:
     void draw(std::shared_ptr<Drawn> drawn);
     void finishIssuing(const std::shared_ptr<Drawn>& drawn);
     Payment payment(const Invoice& invoice, const PaymentEntry& entry) const;
-    std::vector<RecordID> touchedByPayment(const Base::Uuid& id) const;
+    Edit editOfPayments(const std::string& name, std::span<const Base::Uuid> ids) const;
+    bool enterPayment(const std::string& name, const Base::Uuid& id,
+        const std::function<void(Library& library, const Invoice& invoice)>& enter); // Closes the sheet.
 
     AppModel& m_model;
     RecordList m_list;

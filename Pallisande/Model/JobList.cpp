@@ -2,6 +2,8 @@
 #include "Pallisande/Model/JobSection.h"
 #include "Pallisande/Model/SearchKey.h"
 
+#include "Base/Text.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -172,7 +174,8 @@ JobRow JobSection::row(const Base::Uuid& id) const
     if (figures.hasPrice)
         row.price = m_model.formats().money(figures.net, figures.currency);
     row.spoken = row.title;
-    for (const auto& part : { name, pair, std::string(title(job->status)), due })
+    for (const auto& part :
+        { name, spokenPair(job->pair), Base::asciiLowered(title(job->status)), dueSentence(*job) })
         addPart(row.spoken, part, ", ");
     addPart(row.spoken, row.price.empty() ? "no price yet" : row.price + " before tax", ", ");
     return row;

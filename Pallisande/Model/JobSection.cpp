@@ -93,10 +93,10 @@ NewJob JobSection::proposal() const
     return proposal;
 }
 
-bool JobSection::add(const NewJob& entry)
+Job JobSection::made(const NewJob& entry) const
 {
     const auto now = m_model.moment().now;
-    Job job {
+    return {
         .id = Base::Uuid::random(),
         .title = entry.title,
         .clientID = entry.clientID,
@@ -107,6 +107,11 @@ bool JobSection::add(const NewJob& entry)
         .created = now,
         .modified = now,
     };
+}
+
+bool JobSection::add(const NewJob& entry)
+{
+    const auto job = made(entry);
     if (!m_model.change({ .name = "Add Job" }, [&](Library& library) { Ledger::addJob(library, job); }))
         return false;
     std::optional<std::filesystem::path> report;

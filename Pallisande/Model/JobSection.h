@@ -62,6 +62,7 @@ public:
     void openNewJob(const std::string& title = {}, std::optional<std::filesystem::path> report = {});
     NewJob proposal() const; // The client on show or the last one, and its last pair.
     bool add(const NewJob& job); // From the sheet, which closes; the job is shown.
+    Job made(const NewJob& job) const; // The record, with an identity of its own.
     // Changes the record by a function; `name` is that of the step ("Change Deadline").
     bool edit(const Base::Uuid& id, const std::string& name, const std::function<void(Job&)>& change);
     bool setStatus(std::span<const Base::Uuid> ids, JobStatus status);

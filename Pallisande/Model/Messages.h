@@ -32,7 +32,7 @@ struct Problem {
 };
 
 struct Notice {
-    enum class Action { none, undo, show };
+    enum class Action { none, undo, show, showBackups };
 
     std::string text;
     Action action = Action::none;

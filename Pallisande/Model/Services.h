@@ -49,6 +49,7 @@ struct AppServices {
 
     std::function<Base::Instant()> now;
     Base::Calendar calendar; // The user's.
+    std::function<Base::Calendar()> systemCalendar; // Asked every minute for another zone; may be missing.
     std::function<std::unique_ptr<PendingTask>(std::chrono::milliseconds, std::function<void()>)> after;
     Background* background = nullptr;
     Preferences* preferences = nullptr;

@@ -124,7 +124,7 @@ void FreedesktopNotifications::show(const ReminderRequest& request)
             0u, // Replaces none.
             "pallisande", // Icon.
             shown(request.title), readsMarkup ? shown(request.body).toHtmlEscaped() : shown(request.body),
-            hasActions ? QStringList { "default", tr("Open") } : QStringList {},
+            hasActions ? QStringList { "default", QStringLiteral("Open") } : QStringList {},
             QVariantMap { { "desktop-entry", "pallisande" }, { "sound-name", "message-new-instant" } },
             -1, // On show for as long as the service likes.
         };

@@ -76,32 +76,33 @@ template <typename Record> struct Chosen {
     Why why;
 };
 
+template <typename Record>
+Chosen<Record> chosen(
+    AppModel& model, const Record* (AppModel::*find)(const Base::Uuid&) const, bool areShown, IDs ids)
+{
+    Chosen<Record> chosen;
+    for (const auto& id : ids) {
+        if (const auto* const record = areShown ? (model.*find)(id) : nullptr)
+            chosen.records.push_back(record);
+    }
+    return chosen;
+}
+
 Chosen<Job> chosenJobs(AppModel& model, IDs ids)
 {
-    Chosen<Job> chosen;
-    if (model.section() == AppSection::jobs || model.section() == AppSection::deadlines) {
-        for (const auto& id : ids) {
-            if (const auto* const job = model.job(id))
-                chosen.records.push_back(job);
-        }
-    }
-    if (chosen.records.empty())
-        chosen.why = "Select a job first.";
-    return chosen;
+    const bool areShown = model.section() == AppSection::jobs || model.section() == AppSection::deadlines;
+    auto jobs = chosen(model, &AppModel::job, areShown, ids);
+    if (jobs.records.empty())
+        jobs.why = "Select a job first.";
+    return jobs;
 }
 
 Chosen<Invoice> chosenInvoices(AppModel& model, IDs ids)
 {
-    Chosen<Invoice> chosen;
-    if (model.section() == AppSection::invoices) {
-        for (const auto& id : ids) {
-            if (const auto* const invoice = model.invoice(id))
-                chosen.records.push_back(invoice);
-        }
-    }
-    if (chosen.records.empty())
-        chosen.why = "Select an invoice first.";
-    return chosen;
+    auto invoices = chosen(model, &AppModel::invoice, model.section() == AppSection::invoices, ids);
+    if (invoices.records.empty())
+        invoices.why = "Select an invoice first.";
+    return invoices;
 }
 
 Why whyNotStatus(AppModel& model, IDs ids, JobStatus to)

@@ -79,7 +79,7 @@ Commands::Commands(AppModel& model, QWidget* window)
     , m_window(window)
 {
     for (const auto& [command, text, keys, icon, role] : commandTexts()) {
-        auto* action = new QAction(tr(text), this);
+        auto* action = new QAction(QString::fromUtf8(text), this);
         QList<QKeySequence> sequences;
         for (const auto* key : keys)
             sequences += QKeySequence(QLatin1String(key), QKeySequence::PortableText);
@@ -119,7 +119,7 @@ void Commands::fill(QMenu& menu, const std::vector<std::optional<Command>>& comm
             menu.addSeparator();
         } else if (isStatus(*command)) {
             if (!statuses) {
-                statuses = menu.addMenu(tr("Set &Status"));
+                statuses = menu.addMenu(QStringLiteral("Set &Status"));
                 statuses->setToolTipsVisible(true);
             }
             statuses->addAction(action(*command));
@@ -221,7 +221,7 @@ void Commands::refresh()
         auto name = action->text();
         name.remove(QLatin1Char('&'));
         const auto keys = action->shortcut().toString(QKeySequence::NativeText);
-        const auto tip = why ? qt(*why) : keys.isEmpty() ? name : tr("%1 (%2)").arg(name, keys);
+        const auto tip = why ? qt(*why) : keys.isEmpty() ? name : QStringLiteral("%1 (%2)").arg(name, keys);
         action->setEnabled(!why);
         action->setToolTip(tip);
         action->setStatusTip(tip);
@@ -239,12 +239,13 @@ void Commands::refreshEditing()
 void Commands::refreshTexts()
 {
     const auto ids = selected(m_model.section());
-    action(Command::undo)->setText(tr("&") + qt(m_model.undoText()));
-    action(Command::redo)->setText(tr("&") + qt(m_model.redoText()));
+    action(Command::undo)->setText(QStringLiteral("&") + qt(m_model.undoText()));
+    action(Command::redo)->setText(QStringLiteral("&") + qt(m_model.redoText()));
     const auto* const client
         = m_model.section() == AppSection::clients && !ids.empty() ? m_model.client(ids.front()) : nullptr;
     action(Command::archiveClient)
-        ->setText(client && client->archived ? tr("Un&archive Client") : tr("&Archive Client"));
+        ->setText(client && client->archived ? QStringLiteral("Un&archive Client")
+                                             : QStringLiteral("&Archive Client"));
     const bool showsJobs
         = m_model.section() == AppSection::jobs || m_model.section() == AppSection::deadlines;
     const auto* const job = showsJobs && ids.size() == 1 ? m_model.job(ids.front()) : nullptr;

@@ -15,7 +15,6 @@ DetailPage::DetailPage(QWidget* parent)
 {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus); // What it holds has it.
     auto* page = new QWidget;
     auto* middle = new QWidget(page);

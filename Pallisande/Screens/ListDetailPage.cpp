@@ -44,7 +44,7 @@ ListDetailPage::ListDetailPage(const ScreenServices& services, RecordListView::S
     m_left = new QStackedWidget(side);
     m_list = new RecordListView(model(), commands(), std::move(source), m_left);
     m_noHits = new EmptyPage(Icon::magnifier, {}, m_left);
-    m_clearSearch = m_noHits->addButton(tr("Clear Search"), ButtonKind::quiet);
+    m_clearSearch = m_noHits->addButton(QStringLiteral("Clear Search"), ButtonKind::quiet);
     m_clearSearch->setObjectName(QStringLiteral("clearSearch"));
     m_left->addWidget(m_list);
     m_left->addWidget(m_noHits);
@@ -165,8 +165,8 @@ void ListDetailPage::refresh()
         m_whole->setCurrentWidget(hasRecords() ? static_cast<QWidget*>(m_splitter) : m_empty);
     const auto& search = model().search(m_section);
     const bool isEmpty = !m_list->hasRows();
-    m_noHits->setSentence(search.empty() ? tr("Nothing passes the filters above.")
-                                         : tr("Nothing matches “%1”.").arg(qt(search)));
+    m_noHits->setSentence(search.empty() ? QStringLiteral("Nothing passes the filters above.")
+                                         : QStringLiteral("Nothing matches “%1”.").arg(qt(search)));
     m_clearSearch->setVisible(!search.empty());
     m_left->setCurrentWidget(isEmpty ? static_cast<QWidget*>(m_noHits) : m_list);
 }

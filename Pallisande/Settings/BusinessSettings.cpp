@@ -15,18 +15,18 @@ BusinessSettings::BusinessSettings(AppModel& model, QWidget* parent)
     , m_logo(new LogoWell(this))
     , m_currency(new CodeBox(currencyChoices()))
     , m_paper(new ComboBox)
-    , m_reminders(new QCheckBox(tr("Remind me 24 hours and 2 hours before a deadline")))
+    , m_reminders(new QCheckBox(QStringLiteral("Remind me 24 hours and 2 hours before a deadline")))
 {
     addDetails();
-    auto* money = addCard(tr("Currency and paper"));
+    auto* money = addCard(QStringLiteral("Currency and paper"));
     auto* form = new FormLayout(money);
     money->content()->addWidget(form);
     m_currency->setObjectName(QStringLiteral("homeCurrency"));
-    form->addRow(tr("Your currency (for yearly totals)"), m_currency);
-    m_paper->addItems({ tr("A4"), tr("US Letter") });
+    form->addRow(QStringLiteral("Your currency (for yearly totals)"), m_currency);
+    m_paper->addItems({ QStringLiteral("A4"), QStringLiteral("US Letter") });
     m_paper->setObjectName(QStringLiteral("paper"));
-    form->addRow(tr("Paper"), m_paper);
-    auto* reminders = addCard(tr("Reminders"));
+    form->addRow(QStringLiteral("Paper"), m_paper);
+    auto* reminders = addCard(QStringLiteral("Reminders"));
     m_reminders->setObjectName(QStringLiteral("reminders"));
     reminders->content()->addWidget(m_reminders, 0, Qt::AlignLeft);
 
@@ -47,22 +47,24 @@ BusinessSettings::BusinessSettings(AppModel& model, QWidget* parent)
 
 void BusinessSettings::addDetails()
 {
-    auto* card = addCard(tr("Your details"), tr("Printed at the top of quotes and invoices"));
+    auto* card = addCard(
+        QStringLiteral("Your details"), QStringLiteral("Printed at the top of quotes and invoices"));
     auto* form = new FormLayout(card);
     card->content()->addWidget(form);
     addText(
-        *form, tr("Name"), [](Profile & profile) -> auto& { return profile.sender.name; })
+        *form, QStringLiteral("Name"), [](Profile & profile) -> auto& { return profile.sender.name; })
         ->setObjectName(QStringLiteral("senderName"));
     addArea(
-        *form, tr("Address"), [](Profile & profile) -> auto& { return profile.sender.address; });
+        *form, QStringLiteral("Address"), [](Profile & profile) -> auto& { return profile.sender.address; });
     addText(
-        *form, tr("Email"), [](Profile & profile) -> auto& { return profile.sender.email; });
+        *form, QStringLiteral("Email"), [](Profile & profile) -> auto& { return profile.sender.email; });
     addText(
-        *form, tr("Phone"), [](Profile & profile) -> auto& { return profile.sender.phone; });
+        *form, QStringLiteral("Phone"), [](Profile & profile) -> auto& { return profile.sender.phone; });
     addText(
-        *form, tr("Website"), [](Profile & profile) -> auto& { return profile.sender.website; });
+        *form, QStringLiteral("Website"), [](Profile & profile) -> auto& { return profile.sender.website; });
     addText(
-        *form, tr("VAT or tax number"), [](Profile & profile) -> auto& { return profile.sender.taxID; });
+        *form, QStringLiteral("VAT or tax number"),
+        [](Profile & profile) -> auto& { return profile.sender.taxID; });
     addLogo(*form);
 }
 
@@ -70,16 +72,16 @@ void BusinessSettings::addLogo(FormLayout& form)
 {
     auto* row = new QWidget(&form);
     auto* box = new FlowLayout(row);
-    m_chooseLogo = makeButton(tr("Choose…"), ButtonKind::plain, row);
-    m_removeLogo = makeButton(tr("Remove"), ButtonKind::plain, row);
-    m_chooseLogo->setAccessibleName(tr("Choose a logo"));
-    m_removeLogo->setAccessibleName(tr("Remove the logo"));
+    m_chooseLogo = makeButton(QStringLiteral("Choose…"), ButtonKind::plain, row);
+    m_removeLogo = makeButton(QStringLiteral("Remove"), ButtonKind::plain, row);
+    m_chooseLogo->setAccessibleName(QStringLiteral("Choose a logo"));
+    m_removeLogo->setAccessibleName(QStringLiteral("Remove the logo"));
     m_chooseLogo->setObjectName(QStringLiteral("chooseLogo"));
     m_removeLogo->setObjectName(QStringLiteral("removeLogo"));
     box->addWidget(m_logo);
     box->addWidget(m_chooseLogo);
     box->addWidget(m_removeLogo);
-    m_logoNote = form.addRow(tr("Logo"), row, FormLayout::Width::stretching);
+    m_logoNote = form.addRow(QStringLiteral("Logo"), row, FormLayout::Width::stretching);
     m_logoNote->setObjectName(QStringLiteral("logoNote"));
     connect(m_chooseLogo, &QPushButton::clicked, this, [this] {
         model().choose({ .kind = ChooserRequest::Kind::image, .message = "Choose a logo" },
@@ -106,8 +108,9 @@ void BusinessSettings::show(const Profile& profile)
     m_paper->setCurrentIndex(profile.paper == Tamberlin::Paper::a4 ? 0 : 1);
     // Not of the library: it can be turned off whatever state that is in.
     m_reminders->setEnabled(model().services().notifications);
-    m_reminders->setToolTip(
-        m_reminders->isEnabled() ? QString() : tr("This computer has no notifications to remind you with."));
+    m_reminders->setToolTip(m_reminders->isEnabled()
+            ? QString()
+            : QStringLiteral("This computer has no notifications to remind you with."));
     m_reminders->setChecked(model().settings().remindersOn);
 }
 

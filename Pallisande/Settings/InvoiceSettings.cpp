@@ -16,14 +16,16 @@ InvoiceSettings::InvoiceSettings(AppModel& model, QWidget* parent)
     : SettingsPage(model, parent)
     , m_validDays(new CountEdit(QLocale::system()))
 {
-    auto* defaults = addCard(tr("Defaults printed on invoices"));
+    auto* defaults = addCard(QStringLiteral("Defaults printed on invoices"));
     auto* form = new FormLayout(defaults);
     defaults->content()->addWidget(form);
     addArea(
-        *form, tr("Payment terms"), [](Profile & profile) -> auto& { return profile.defaultPaymentTerms; })
+        *form, QStringLiteral("Payment terms"),
+        [](Profile & profile) -> auto& { return profile.defaultPaymentTerms; })
         ->setObjectName(QStringLiteral("paymentTerms"));
     addArea(
-        *form, tr("Bank details"), [](Profile & profile) -> auto& { return profile.bankDetails; });
+        *form, QStringLiteral("Bank details"),
+        [](Profile & profile) -> auto& { return profile.bankDetails; });
     auto* valid = new QWidget(form);
     auto* box = new QHBoxLayout(valid);
     box->setContentsMargins(0, 0, 0, 0);
@@ -31,17 +33,18 @@ InvoiceSettings::InvoiceSettings(AppModel& model, QWidget* parent)
     m_validDays->setWidthInCharacters(5);
     m_validDays->setRange(0, mostValidDays);
     m_validDays->setObjectName(QStringLiteral("quoteValidDays"));
-    m_validDays->setAccessibleDescription(tr("Days"));
+    m_validDays->setAccessibleDescription(QStringLiteral("Days"));
     box->addWidget(m_validDays);
-    box->addWidget(new Label(tr("days"), valid, TextStyle::body, Ink::muted));
-    form->addRow(tr("Quotes valid for"), valid);
+    box->addWidget(new Label(QStringLiteral("days"), valid, TextStyle::body, Ink::muted));
+    form->addRow(QStringLiteral("Quotes valid for"), valid);
     connect(m_validDays, &LineField::committed, this, [this] {
         edit(m_validDays, [&](Profile& profile) { profile.quoteValidDays = *m_validDays->count(); });
     });
 
-    auto* numbers = addCard(tr("Numbers"),
-        tr("Moving from another tool? Set the first number before you issue in Pallisande. After that the "
-           "series only counts up, so there are no gaps."));
+    auto* numbers = addCard(QStringLiteral("Numbers"),
+        QStringLiteral(
+            "Moving from another tool? Set the first number before you issue in Pallisande. After that the "
+            "series only counts up, so there are no gaps."));
     for (const auto which :
         { Ledger::Series::invoices, Ledger::Series::creditNotes, Ledger::Series::quotes }) {
         numbers->content()->addSpacing(Space::small);
@@ -53,8 +56,9 @@ InvoiceSettings::InvoiceSettings(AppModel& model, QWidget* parent)
     }
     numbers->content()->addSpacing(Space::small);
     numbers->content()->addWidget(makeSentence(
-        tr("Pallisande makes PDF invoices, not structured e-invoices (XRechnung, ZUGFeRD, Factur-X), and "
-           "applies only the tax percentage you type."),
+        QStringLiteral(
+            "Pallisande makes PDF invoices, not structured e-invoices (XRechnung, ZUGFeRD, Factur-X), and "
+            "applies only the tax percentage you type."),
         numbers, TextStyle::small, Ink::muted));
     refresh();
 }

@@ -36,19 +36,20 @@ LibrarySettings::LibrarySettings(AppModel& model, QWidget* parent)
 
 void LibrarySettings::addFolder()
 {
-    auto* card = addCard(tr("Library folder"));
+    auto* card = addCard(QStringLiteral("Library folder"));
     m_folder = new ElidedLabel(card);
     m_folder->setObjectName(QStringLiteral("folder"));
-    m_showFolder = makeButton(tr("Show"), ButtonKind::plain, card);
-    m_showFolder->setAccessibleName(tr("Show the library folder"));
+    m_showFolder = makeButton(QStringLiteral("Show"), ButtonKind::plain, card);
+    m_showFolder->setAccessibleName(QStringLiteral("Show the library folder"));
     m_showFolder->setObjectName(QStringLiteral("showFolder"));
-    auto* move = makeButton(tr("Move to Another Folder…"), ButtonKind::plain, card);
+    auto* move = makeButton(QStringLiteral("Move to Another Folder…"), ButtonKind::plain, card);
     move->setObjectName(QStringLiteral("moveLibrary"));
     card->content()->addWidget(m_folder);
     card->content()->addWidget(makeSentence(
-        tr("The folder holds your records, a copy of every imported report, every issued PDF as issued, and "
-           "dated backups. Keep it in a folder you already back up or sync; Pallisande itself never uploads "
-           "anything."),
+        QStringLiteral(
+            "The folder holds your records, a copy of every imported report, every issued PDF as issued, and "
+            "dated backups. Keep it in a folder you already back up or sync; Pallisande itself never uploads "
+            "anything."),
         card, TextStyle::small, Ink::muted));
     card->content()->addWidget(line({ m_showFolder, move }, card));
     connect(m_showFolder, &QPushButton::clicked, this, [this] { model().showLibraryFolder(); });
@@ -57,28 +58,28 @@ void LibrarySettings::addFolder()
 
 void LibrarySettings::addCopies()
 {
-    auto* card = addCard(tr("Backups"));
+    auto* card = addCard(QStringLiteral("Backups"));
     m_secondText = makeSentence({}, card);
     m_second = new ElidedLabel(card);
     m_second->setObjectName(QStringLiteral("secondFolder"));
     m_lastCopy = new Label(card, TextStyle::small, Ink::muted);
     m_lastCopy->setObjectName(QStringLiteral("lastCopy"));
-    auto* choose = makeButton(tr("Second Backup Folder…"), ButtonKind::plain, card);
+    auto* choose = makeButton(QStringLiteral("Second Backup Folder…"), ButtonKind::plain, card);
     choose->setObjectName(QStringLiteral("chooseSecond"));
-    m_stopSecond = makeButton(tr("Stop Using It"), ButtonKind::plain, card);
-    m_stopSecond->setAccessibleName(tr("Stop using the second backup folder"));
+    m_stopSecond = makeButton(QStringLiteral("Stop Using It"), ButtonKind::plain, card);
+    m_stopSecond->setAccessibleName(QStringLiteral("Stop using the second backup folder"));
     m_stopSecond->setObjectName(QStringLiteral("stopSecond"));
-    m_backUp = makeButton(tr("Back Up Now"), ButtonKind::plain, card);
+    m_backUp = makeButton(QStringLiteral("Back Up Now"), ButtonKind::plain, card);
     m_backUp->setObjectName(QStringLiteral("backUpNow"));
-    m_backups = makeButton(tr("Show Backups…"), ButtonKind::plain, card);
+    m_backups = makeButton(QStringLiteral("Show Backups…"), ButtonKind::plain, card);
     m_backups->setObjectName(QStringLiteral("showBackups"));
     card->content()->addWidget(m_secondText);
     card->content()->addWidget(m_second);
     card->content()->addWidget(m_lastCopy);
     card->content()->addWidget(line({ choose, m_stopSecond }, card));
     card->content()->addSpacing(Space::small);
-    card->content()->addWidget(
-        makeSentence(tr("A dated copy is kept in the library folder for each day that you work."), card));
+    card->content()->addWidget(makeSentence(
+        QStringLiteral("A dated copy is kept in the library folder for each day that you work."), card));
     card->content()->addWidget(line({ m_backUp, m_backups }, card));
     connect(choose, &QPushButton::clicked, this, [this] { model().chooseSecondBackupFolder(); });
     connect(m_stopSecond, &QPushButton::clicked, this, [this] { model().stopSecondBackup(); });
@@ -88,10 +89,10 @@ void LibrarySettings::addCopies()
 
 void LibrarySettings::addUpdates()
 {
-    auto* card = addCard(tr("Updates"));
-    auto* version = new Label(tr("Version %1").arg(QCoreApplication::applicationVersion()), card);
+    auto* card = addCard(QStringLiteral("Updates"));
+    auto* version = new Label(QStringLiteral("Version %1").arg(QCoreApplication::applicationVersion()), card);
     version->setObjectName(QStringLiteral("version"));
-    auto* check = makeButton(tr("Check for Updates…"), ButtonKind::plain, card);
+    auto* check = makeButton(QStringLiteral("Check for Updates…"), ButtonKind::plain, card);
     check->setObjectName(QStringLiteral("checkForUpdates"));
     auto* box = new QHBoxLayout;
     box->setSpacing(Space::medium);
@@ -106,7 +107,8 @@ void LibrarySettings::show(const Profile&)
 {
     const auto& settings = model().settings();
     const bool hasLibrary = model().hasLibrary();
-    m_folder->setText(hasLibrary ? pathText(model().folder()) : tr("The library couldn’t be opened."));
+    m_folder->setText(
+        hasLibrary ? pathText(model().folder()) : QStringLiteral("The library couldn’t be opened."));
     m_showFolder->setEnabled(hasLibrary);
     m_backUp->setEnabled(hasLibrary);
     m_backups->setEnabled(hasLibrary);
@@ -115,15 +117,18 @@ void LibrarySettings::show(const Profile&)
     const auto second
         = isUsed ? model().services().bookmarks->resolve(*settings.secondBookmark) : std::nullopt;
     m_secondText->setText(!isUsed
-            ? tr("A second backup folder gets a copy of the library once a day, on another disk for example.")
-            : second ? tr("A copy of the library goes there once a day:")
-                     : tr("The second backup folder couldn’t be found. Its disk may not be connected."));
+            ? QStringLiteral(
+                "A second backup folder gets a copy of the library once a day, on another disk for example.")
+            : second
+            ? QStringLiteral("A copy of the library goes there once a day:")
+            : QStringLiteral("The second backup folder couldn’t be found. Its disk may not be connected."));
     m_second->setVisible(second.has_value());
     if (second)
         m_second->setText(pathText(*second));
     const auto day = Base::Day::parse(settings.lastSecondBackup.value_or(""));
     m_lastCopy->setVisible(isUsed);
-    m_lastCopy->setText(day ? tr("Last copy: %1").arg(qt(Formats::day(*day))) : tr("No copy yet."));
+    m_lastCopy->setText(
+        day ? QStringLiteral("Last copy: %1").arg(qt(Formats::day(*day))) : QStringLiteral("No copy yet."));
     m_stopSecond->setVisible(isUsed);
 }
 

@@ -30,7 +30,7 @@ LogoWell::LogoWell(QWidget* parent)
 {
     setAcceptDrops(true);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    setAccessibleName(tr("Logo"));
+    setAccessibleName(QStringLiteral("Logo"));
 }
 
 QString LogoWell::setLogo(const std::optional<std::string>& logo)
@@ -47,7 +47,7 @@ QString LogoWell::setLogo(const std::optional<std::string>& logo)
             m_problem = qt(error.what());
         }
     }
-    setAccessibleDescription(m_image.isNull() ? tr("None") : QString());
+    setAccessibleDescription(m_image.isNull() ? QStringLiteral("None") : QString());
     update();
     return m_problem;
 }
@@ -80,7 +80,7 @@ void LogoWell::paintEvent(QPaintEvent*)
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Radius::field, Radius::field);
         painter.setFont(theme.font(TextStyle::small));
         painter.setPen(colours.muted);
-        painter.drawText(rect(), Qt::AlignCenter, tr("Drop a logo here"));
+        painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("Drop a logo here"));
     }
     if (m_isMarked)
         drawSurface(

@@ -52,19 +52,19 @@ SeriesForm::SeriesForm(AppModel& model, Ledger::Series which, Edit edit, QWidget
     , m_digits(new CountEdit(QLocale::system()))
     , m_next(new CountEdit(QLocale::system()))
     , m_preview(new Label(this, TextStyle::body, Ink::muted))
-    , m_why(makeSentence(
-          tr("A series without the year never starts again."), this, TextStyle::small, Ink::muted))
-    , m_year(new QCheckBox(tr("Year in the number")))
-    , m_reset(new QCheckBox(tr("Start again at 1 each year")))
+    , m_why(makeSentence(QStringLiteral("A series without the year never starts again."), this,
+          TextStyle::small, Ink::muted))
+    , m_year(new QCheckBox(QStringLiteral("Year in the number")))
+    , m_reset(new QCheckBox(QStringLiteral("Start again at 1 each year")))
 {
     const auto [prefix, digits, next] = wordsOf(which);
     const auto name = qt(caseNames(which)[static_cast<std::size_t>(which)]);
     m_prefix->setWidthInCharacters(12);
     m_digits->setWidthInCharacters(3);
     m_digits->setRange(1, mostDigits);
-    m_digits->setAccessibleName(tr(digits));
+    m_digits->setAccessibleName(QString::fromUtf8(digits));
     m_next->setWidthInCharacters(7);
-    m_next->setAccessibleName(tr(next));
+    m_next->setAccessibleName(QString::fromUtf8(next));
     m_next->setCheck([this](const Base::Decimal& value) { return setNext(value); });
     m_prefix->setObjectName(QStringLiteral("prefix.") + name);
     m_digits->setObjectName(QStringLiteral("digits.") + name);
@@ -73,9 +73,10 @@ SeriesForm::SeriesForm(AppModel& model, Ledger::Series which, Edit edit, QWidget
     m_year->setObjectName(QStringLiteral("year.") + name);
     m_reset->setObjectName(QStringLiteral("reset.") + name);
     m_preview->setTextInteractionFlags(Qt::NoTextInteraction);
-    addRow(tr(prefix),
-        line({ m_prefix, new Label(tr("Digits"), this, TextStyle::body, Ink::muted), m_digits }, this));
-    addRow(tr("Next number"), line({ m_next, m_preview }, this));
+    addRow(QString::fromUtf8(prefix),
+        line({ m_prefix, new Label(QStringLiteral("Digits"), this, TextStyle::body, Ink::muted), m_digits },
+            this));
+    addRow(QStringLiteral("Next number"), line({ m_next, m_preview }, this));
     addRow({}, m_year);
     addRow({}, m_reset);
     addBelow(m_why);

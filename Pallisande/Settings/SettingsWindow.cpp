@@ -15,7 +15,8 @@ namespace Pallisande {
 
 namespace {
 
-constexpr int usualWidth = 640, usualHeight = 560, leastWidth = 560, leastHeight = 360;
+constexpr int usualWidth = 640, usualHeight = 560, leastWidth = 560, leastHeight = 360,
+              mostOfLeastWidth = 800;
 
 } // namespace
 
@@ -26,24 +27,25 @@ SettingsWindow::SettingsWindow(AppModel& model, QWidget* parent)
     , m_pages(new QTabWidget(this))
     , m_toast(new Toast(m_pages))
 {
-    setWindowTitle(tr("Settings"));
+    setWindowTitle(QStringLiteral("Settings"));
     setModal(false);
     auto* library = new LibrarySettings(model, m_pages);
-    m_pages->addTab(new BusinessSettings(model, m_pages), themedIcon(Icon::person), tr("Business"));
-    m_pages->addTab(new InvoiceSettings(model, m_pages), themedIcon(Icon::invoice), tr("Invoices"));
-    m_pages->addTab(library, themedIcon(Icon::folder), tr("Library"));
+    m_pages->addTab(
+        new BusinessSettings(model, m_pages), themedIcon(Icon::person), QStringLiteral("Business"));
+    m_pages->addTab(
+        new InvoiceSettings(model, m_pages), themedIcon(Icon::invoice), QStringLiteral("Invoices"));
+    m_pages->addTab(library, themedIcon(Icon::folder), QStringLiteral("Library"));
     m_pages->setDocumentMode(true);
-    m_pages->setAccessibleName(tr("Pages"));
-    m_pages->tabBar()->setAccessibleName(tr("Pages"));
+    m_pages->setAccessibleName(QStringLiteral("Pages"));
+    m_pages->tabBar()->setAccessibleName(QStringLiteral("Pages"));
     auto* box = new QVBoxLayout(this);
     box->setContentsMargins(0, 0, 0, 0);
     box->setSpacing(0);
     box->addWidget(m_banner);
     box->addWidget(m_pages, 1);
     m_banner->hideProblem();
-    const auto& theme = Theme::of(this);
-    setMinimumSize(std::min(theme.scaled(leastWidth), 800), leastHeight);
-    resize(theme.scaled(usualWidth), usualHeight);
+    dress();
+    resize(Theme::of(this).scaled(usualWidth), usualHeight);
     addKeys();
 
     connect(library, &LibrarySettings::updateCheckWanted, this, &SettingsWindow::updateCheckWanted);
@@ -54,6 +56,18 @@ SettingsWindow::SettingsWindow(AppModel& model, QWidget* parent)
             m_toast->showNotice(qt(m_model.notice()->text));
     });
     connect(m_banner, &Banner::dismissed, this, [this] { m_model.dismissProblem(); });
+}
+
+void SettingsWindow::changeEvent(QEvent* event)
+{
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::StyleChange)
+        dress();
+}
+
+void SettingsWindow::dress()
+{
+    setMinimumSize(std::min(Theme::of(this).scaled(leastWidth), mostOfLeastWidth), leastHeight);
 }
 
 void SettingsWindow::showPage(Page page) { m_pages->setCurrentIndex(static_cast<int>(page)); }

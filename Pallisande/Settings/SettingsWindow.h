@@ -28,9 +28,11 @@ signals:
 
 protected:
     void done(int result) override; // What is typed is committed first.
+    void changeEvent(QEvent* event) override;
 
 private:
     void addKeys();
+    void dress();
     void showProblem();
 
     AppModel& m_model;

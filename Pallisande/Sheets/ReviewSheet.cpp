@@ -1,6 +1,7 @@
 #include "Pallisande/Model/ClientSection.h"
 #include "Pallisande/Model/Imports.h"
 #include "Pallisande/Model/JobSection.h"
+#include "Pallisande/Screens/AnalysisFigures.h"
 #include "Pallisande/Screens/Text.h"
 #include "Pallisande/Sheets/MappingForm.h"
 #include "Pallisande/Sheets/ReviewTable.h"
@@ -26,13 +27,6 @@ namespace Pallisande {
 namespace {
 
 constexpr std::size_t mostChecks = 5, mostNotes = 20; // A report may have thousands.
-
-const BandMap<std::int64_t>& metricOf(const BandCounts& counts, CountMetric metric)
-{
-    if (metric == CountMetric::words)
-        return counts.words;
-    return metric == CountMetric::segments ? counts.segments : counts.characters;
-}
 
 bool isFailed(const PendingImport& pending) { return std::holds_alternative<ImportFailed>(pending.result); }
 
@@ -156,10 +150,9 @@ private:
         m_metric->setObjectName(QStringLiteral("reviewMetric"));
         const auto totals = analysis.totals();
         for (const auto metric : { CountMetric::words, CountMetric::segments, CountMetric::characters }) {
-            if (metric != CountMetric::words && sum(metricOf(totals, metric)) == 0)
+            if (metric != CountMetric::words && sum(figuresOf(totals, metric)) == 0)
                 continue;
-            const auto name = qt(Base::caseName(metric));
-            m_metric->addItem(name.left(1).toUpper() + name.mid(1), static_cast<int>(metric));
+            m_metric->addItem(Pallisande::title(metric), static_cast<int>(metric));
             if (metric == CountMetric::characters && isByCharacter)
                 m_metric->setCurrentIndex(m_metric->count() - 1);
         }
@@ -249,10 +242,10 @@ private:
         const auto metric = static_cast<CountMetric>(m_metric->currentData().toInt());
         const auto name = std::string(Base::caseName(metric));
         const auto totals = analysis->totals();
-        m_bar->setCounts(metricOf(totals, metric), qt(name));
+        m_bar->setCounts(figuresOf(totals, metric), qt(name));
         m_table->setMetric(metric);
         auto facts = fmt::format("{} · {} {}", counted(std::ssize(analysis->rows), "file", "files"),
-            m_model.formats().count(sum(metricOf(totals, metric))), name);
+            m_model.formats().count(sum(figuresOf(totals, metric))), name);
         if (!analysis->sourceLanguage.empty() || !analysis->targetLanguage.empty())
             facts = fmt::format("{} → {} · {}",
                 analysis->sourceLanguage.empty() ? "?" : analysis->sourceLanguage,
@@ -308,7 +301,7 @@ private:
             return m_sum->setText(QStringLiteral("Nothing adds up yet."));
         std::string parts;
         for (const auto metric : { CountMetric::words, CountMetric::segments, CountMetric::characters }) {
-            if (const auto units = sum(metricOf(preview.totals, metric)))
+            if (const auto units = sum(figuresOf(preview.totals, metric)))
                 parts += fmt::format("{}{} {}", parts.empty() ? "" : ", ", m_model.formats().count(units),
                     Base::caseName(metric));
         }

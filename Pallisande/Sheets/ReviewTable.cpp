@@ -1,6 +1,7 @@
 #include "Pallisande/Sheets/ReviewTable.h"
 
 #include "Pallisande/Model/Formats.h"
+#include "Pallisande/Screens/AnalysisFigures.h"
 #include "Pallisande/Screens/Text.h"
 #include "Pallisande/Widgets/Painting.h"
 #include "Pallisande/Widgets/TableDelegate.h"
@@ -32,9 +33,18 @@ std::optional<MatchBand> bandOf(int column)
 
 QString heading(int column) // Where thirteen columns stand side by side.
 {
-    static constexpr std::array<const char*, columnCount> shorts { "File", "Perfect", "Context", "Reps",
-        "100%", "95–99", "85–94", "75–84", "50–74", "No match", "Sum", "Report", "Diff." };
-    return QString::fromUtf8(shorts[static_cast<std::size_t>(column)]);
+    if (const auto band = bandOf(column))
+        return shortHead(*band);
+    switch (column) {
+    case sumOfBands:
+        return QStringLiteral("Sum");
+    case stated:
+        return QStringLiteral("Report");
+    case difference:
+        return QStringLiteral("≠");
+    default:
+        return QStringLiteral("File");
+    }
 }
 
 QString fullHeading(int column)
@@ -61,6 +71,7 @@ public:
     ReviewRows(std::vector<AnalysisRow> rows, bool isTotal, const Formats& formats, QWidget* parent)
         : QAbstractTableModel(parent)
         , m_rows(std::move(rows))
+        , m_titles(fileTitles(m_rows))
         , m_isTotal(isTotal)
         , m_formats(formats)
         , m_widget(parent)
@@ -102,7 +113,7 @@ public:
         const int column = index.column();
         switch (role) {
         case Qt::DisplayRole:
-            return column == file ? qt(row.file) : text(row, column);
+            return column == file ? m_titles[static_cast<std::size_t>(index.row())] : text(row, column);
         case Qt::ToolTipRole:
             return column == file ? QVariant(qt(row.file)) : QVariant();
         case Qt::AccessibleTextRole:
@@ -145,25 +156,17 @@ private:
         return static_cast<int>((column == file ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter);
     }
 
-    const BandMap<std::int64_t>& counts(const AnalysisRow& row) const
-    {
-        if (m_metric == CountMetric::words)
-            return row.counts.words;
-        return m_metric == CountMetric::segments ? row.counts.segments : row.counts.characters;
-    }
-
     std::optional<std::int64_t> value(const AnalysisRow& row, int column) const
     {
+        const auto& counts = figuresOf(row.counts, m_metric);
         if (const auto band = bandOf(column))
-            return counts(row).valueOr(*band, 0);
-        const auto said = m_metric == CountMetric::words ? row.statedWords
-            : m_metric == CountMetric::segments          ? row.statedSegments
-                                                         : row.statedCharacters;
+            return counts.valueOr(*band, 0);
+        const auto said = statedIn(row, m_metric);
         if (column == sumOfBands)
-            return sum(counts(row));
+            return sum(counts);
         if (column == stated || !said)
             return said;
-        return sum(counts(row)) - *said;
+        return sum(counts) - *said;
     }
 
     QString text(const AnalysisRow& row, int column) const
@@ -176,6 +179,7 @@ private:
     }
 
     std::vector<AnalysisRow> m_rows;
+    std::vector<QString> m_titles; // Of the files.
     bool m_isTotal;
     const Formats& m_formats;
     QWidget* m_widget;

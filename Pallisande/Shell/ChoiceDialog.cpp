@@ -36,7 +36,7 @@ QDialog* askToChoose(const QString& question, const std::vector<Choice>& choices
             act();
         });
     }
-    auto* cancel = makeButton(QObject::tr("Cancel"), ButtonKind::quiet, dialog);
+    auto* cancel = makeButton(QStringLiteral("Cancel"), ButtonKind::quiet, dialog);
     QObject::connect(cancel, &QPushButton::clicked, dialog, &QDialog::reject);
     box->addWidget(cancel);
     dialog->open();

@@ -36,10 +36,10 @@ void ask(const ChooserRequest& request, QFileDialog::FileMode mode, const Chosen
     if (mode == QFileDialog::Directory)
         dialog->setOption(QFileDialog::ShowDirsOnly);
     if (request.kind == ChooserRequest::Kind::image)
-        dialog->setNameFilter(QObject::tr("PNG and JPEG images (*.png *.jpg *.jpeg)"));
+        dialog->setNameFilter(QStringLiteral("PNG and JPEG images (*.png *.jpg *.jpeg)"));
     if (request.kind == ChooserRequest::Kind::report)
         dialog->setNameFilters(
-            { QObject::tr("Analyses (*.xml *.csv *.tsv *.txt *.json)"), QObject::tr("All files (*)") });
+            { QStringLiteral("Analyses (*.xml *.csv *.tsv *.txt *.json)"), QStringLiteral("All files (*)") });
     if (request.kind == ChooserRequest::Kind::saveFile) {
         dialog->setAcceptMode(QFileDialog::AcceptSave);
         dialog->selectFile(qt(request.fileName));
@@ -62,9 +62,10 @@ void chooseFiles(const ChooserRequest& request, const Chosen& chosen, QWidget* w
     case ChooserRequest::Kind::documents:
         askToChoose(qt(request.message),
             {
-                { QObject::tr("Add Files…"),
+                { QStringLiteral("Add Files…"),
                     [=] { ask(request, QFileDialog::ExistingFiles, chosen, window); } },
-                { QObject::tr("Add Folder…"), [=] { ask(request, QFileDialog::Directory, chosen, window); } },
+                { QStringLiteral("Add Folder…"),
+                    [=] { ask(request, QFileDialog::Directory, chosen, window); } },
             },
             window);
         return;

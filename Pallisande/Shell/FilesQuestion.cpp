@@ -3,6 +3,7 @@
 #include "Pallisande/Model/DocumentCounts.h"
 #include "Pallisande/Model/Imports.h"
 #include "Pallisande/Model/JobSection.h"
+#include "Pallisande/Screens/FileKinds.h"
 #include "Pallisande/Screens/Text.h"
 #include "Pallisande/Shell/ChoiceDialog.h"
 
@@ -15,23 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 using Files = std::vector<fs::path>;
 
-std::string lowerExtension(const fs::path& file)
-{
-    auto extension = file.extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-        [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c; });
-    return extension;
-}
-
-// What CAT tools write reports as; texts may be both.
-bool mayBeReport(const fs::path& file)
-{
-    const auto extension = lowerExtension(file);
-    return extension == ".xml" || extension == ".csv" || extension == ".tsv" || extension == ".json"
-        || extension == ".txt";
-}
-
-bool isOnlyReport(const fs::path& file) { return mayBeReport(file) && lowerExtension(file) != ".txt"; }
+bool mayBeReport(const fs::path& file) { return isReport(file) || isTextFile(file); }
 
 fs::path libraryIn(const Files& files)
 {
@@ -48,7 +33,7 @@ std::vector<Choice> choicesFor(AppModel& model, const Files& files)
     std::vector<Choice> choices;
     if (const auto folder = libraryIn(files); !folder.empty())
         choices.push_back(
-            { QObject::tr("Open This Library"), [&model, folder] { model.moveLibrary(folder); } });
+            { QStringLiteral("Open This Library"), [&model, folder] { model.moveLibrary(folder); } });
     if (!model.canEdit())
         return choices;
     const bool showsJobs = model.section() == AppSection::jobs || model.section() == AppSection::deadlines;
@@ -56,22 +41,22 @@ std::vector<Choice> choicesFor(AppModel& model, const Files& files)
     const auto* const job = showsJobs && selected ? model.job(*selected) : nullptr;
     const bool areReports = std::all_of(files.begin(), files.end(), mayBeReport);
     if (areReports && job && !job->invoiceID)
-        choices.push_back({ QObject::tr("Attach to “%1” as an Analysis").arg(qt(jobTitle(*job))),
+        choices.push_back({ QStringLiteral("Attach to “%1” as an Analysis").arg(qt(jobTitle(*job))),
             [&model, files, id = job->id] { model.imports().read(id, files); } });
     if (areReports && files.size() == 1)
-        choices.push_back({ QObject::tr("New Job with This Analysis"),
+        choices.push_back({ QStringLiteral("New Job with This Analysis"),
             [&model, file = files.front()] { model.jobs().openNewJob(file.stem().string(), file); } });
-    if (std::all_of(files.begin(), files.end(), isOnlyReport))
+    if (std::all_of(files.begin(), files.end(), isReport))
         return choices;
     const auto count = [&model, files](DocumentCounts::Purpose purpose, std::optional<Base::Uuid> id) {
         return [&model, files, purpose, id] { model.counts().count(files, purpose, id); };
     };
     choices.push_back(
-        { QObject::tr("Count for a New Job"), count(DocumentCounts::Purpose::newJob, std::nullopt) });
+        { QStringLiteral("Count for a New Job"), count(DocumentCounts::Purpose::newJob, std::nullopt) });
     if (job && !job->invoiceID) {
-        choices.push_back({ QObject::tr("Count for “%1”").arg(qt(jobTitle(*job))),
+        choices.push_back({ QStringLiteral("Count for “%1”").arg(qt(jobTitle(*job))),
             count(DocumentCounts::Purpose::attach, job->id) });
-        choices.push_back({ QObject::tr("Count as the Translation of “%1”").arg(qt(jobTitle(*job))),
+        choices.push_back({ QStringLiteral("Count as the Translation of “%1”").arg(qt(jobTitle(*job))),
             count(DocumentCounts::Purpose::target, job->id) });
     }
     return choices;
@@ -89,8 +74,8 @@ void askAboutFiles(AppModel& model, Files files, QWidget* window)
         return;
     }
     const auto question = files.size() == 1
-        ? QObject::tr("What shall be done with “%1”?").arg(qt(files.front().filename().string()))
-        : QObject::tr("What shall be done with these %1 items?").arg(files.size());
+        ? QStringLiteral("What shall be done with “%1”?").arg(qt(files.front().filename().string()))
+        : QStringLiteral("What shall be done with these %1 items?").arg(files.size());
     askToChoose(question, choices, window);
 }
 

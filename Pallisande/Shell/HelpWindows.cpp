@@ -29,7 +29,7 @@ QVBoxLayout* frame(QDialog& dialog, const QString& title)
 
 void addClose(QDialog& dialog, QVBoxLayout& box)
 {
-    auto* close = makeButton(QObject::tr("Close"), ButtonKind::plain, &dialog);
+    auto* close = makeButton(QStringLiteral("Close"), ButtonKind::plain, &dialog);
     close->setDefault(true);
     QObject::connect(close, &QPushButton::clicked, &dialog, &QDialog::close);
     auto* row = new QHBoxLayout;
@@ -64,7 +64,7 @@ void addShortcuts(QTreeWidget& list, QTreeWidgetItem* group, const QMenu& menu)
                 keys += key.toString(QKeySequence::NativeText);
             auto* item = new QTreeWidgetItem(group);
             item->setText(0, withoutMnemonic(action->text()));
-            item->setText(1, keys.join(QObject::tr(" or ")));
+            item->setText(1, keys.join(QStringLiteral(" or ")));
         }
     }
 }
@@ -75,8 +75,9 @@ ShortcutsWindow::ShortcutsWindow(const QMenuBar& menus, QWidget* parent)
     : QDialog(parent)
 {
     setObjectName(QStringLiteral("shortcuts"));
-    auto* box = frame(*this, tr("Keyboard Shortcuts"));
-    auto* list = makeList({ tr("Command"), tr("Keys") }, tr("Keyboard Shortcuts"), this);
+    auto* box = frame(*this, QStringLiteral("Keyboard Shortcuts"));
+    auto* list = makeList(
+        { QStringLiteral("Command"), QStringLiteral("Keys") }, QStringLiteral("Keyboard Shortcuts"), this);
     for (const auto* action : menus.actions()) {
         auto* group = new QTreeWidgetItem(list);
         group->setText(0, withoutMnemonic(action->text()));
@@ -86,15 +87,15 @@ ShortcutsWindow::ShortcutsWindow(const QMenuBar& menus, QWidget* parent)
             delete group;
     }
     auto* around = new QTreeWidgetItem(list);
-    around->setText(0, tr("Getting around"));
+    around->setText(0, QStringLiteral("Getting around"));
     around->setFont(0, Theme::of(this).font(TextStyle::bodyStrong));
     const std::pair<QString, QString> ways[] {
-        { tr("Next part of the window"), tr("F6") },
-        { tr("Previous part of the window"), tr("Shift+F6") },
-        { tr("From a list to its first field"), tr("Return") },
-        { tr("From a field to the list"), tr("Esc") },
-        { tr("Open a choice or a calendar"), tr("Alt+Down or F4") },
-        { tr("Context menu"), tr("Menu or Shift+F10") },
+        { QStringLiteral("Next part of the window"), QStringLiteral("F6") },
+        { QStringLiteral("Previous part of the window"), QStringLiteral("Shift+F6") },
+        { QStringLiteral("From a list to its first field"), QStringLiteral("Return") },
+        { QStringLiteral("From a field to the list"), QStringLiteral("Esc") },
+        { QStringLiteral("Open a choice or a calendar"), QStringLiteral("Alt+Down or F4") },
+        { QStringLiteral("Context menu"), QStringLiteral("Menu or Shift+F10") },
     };
     for (const auto& [what, keys] : ways) {
         auto* item = new QTreeWidgetItem(around);
@@ -112,10 +113,11 @@ ShortcutsWindow::ShortcutsWindow(const QMenuBar& menus, QWidget* parent)
 MessagesWindow::MessagesWindow(AppModel& model, QWidget* parent)
     : QDialog(parent)
     , m_model(model)
-    , m_list(makeList({ tr("Time"), tr("Message") }, tr("Recent Messages"), this))
+    , m_list(makeList(
+          { QStringLiteral("Time"), QStringLiteral("Message") }, QStringLiteral("Recent Messages"), this))
 {
     setObjectName(QStringLiteral("recentMessages"));
-    auto* box = frame(*this, tr("Recent Messages"));
+    auto* box = frame(*this, QStringLiteral("Recent Messages"));
     m_list->setWordWrap(true);
     box->addWidget(m_list, 1);
     addClose(*this, *box);
@@ -138,7 +140,7 @@ void MessagesWindow::refresh()
         item->setToolTip(1, qt(message->text));
     }
     if (past.empty())
-        (new QTreeWidgetItem(m_list))->setText(1, tr("Nothing was said yet."));
+        (new QTreeWidgetItem(m_list))->setText(1, QStringLiteral("Nothing was said yet."));
     m_list->resizeColumnToContents(0);
 }
 
@@ -146,7 +148,7 @@ AboutWindow::AboutWindow(QWidget* parent)
     : QDialog(parent)
 {
     setObjectName(QStringLiteral("about"));
-    setWindowTitle(tr("About Pallisande"));
+    setWindowTitle(QStringLiteral("About Pallisande"));
     setAttribute(Qt::WA_DeleteOnClose);
     auto* box = new QVBoxLayout(this);
     box->setContentsMargins(Space::page, Space::page, Space::page, Space::large);
@@ -155,11 +157,13 @@ AboutWindow::AboutWindow(QWidget* parent)
     auto* icon = new QLabel(this);
     icon->setPixmap(applicationIcon().pixmap(QSize(iconSize, iconSize), devicePixelRatioF()));
     box->addWidget(icon, 0, Qt::AlignHCenter);
-    box->addWidget(new Label(tr("Pallisande"), this, TextStyle::title), 0, Qt::AlignHCenter);
-    box->addWidget(new Label(tr("Version %1").arg(PALLISANDE_VERSION), this, TextStyle::body, Ink::muted), 0,
+    box->addWidget(new Label(QStringLiteral("Pallisande"), this, TextStyle::title), 0, Qt::AlignHCenter);
+    box->addWidget(
+        new Label(QStringLiteral("Version %1").arg(PALLISANDE_VERSION), this, TextStyle::body, Ink::muted), 0,
         Qt::AlignHCenter);
     auto* sentence = makeSentence(
-        tr("Clients, jobs, counts and invoices of a freelance translator, in one folder on your computer."),
+        QStringLiteral(
+            "Clients, jobs, counts and invoices of a freelance translator, in one folder on your computer."),
         this);
     sentence->setAlignment(Qt::AlignHCenter);
     sentence->setMinimumWidth(Theme::of(this).scaled(320));

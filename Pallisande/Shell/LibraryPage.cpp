@@ -7,10 +7,10 @@ namespace Pallisande {
 LibraryPage::LibraryPage(AppModel& model, QWidget* parent)
     : EmptyPage(Icon::folder, {}, parent)
     , m_model(model)
-    , m_update(addButton(tr("Check for Updates…"), ButtonKind::primary))
-    , m_restore(addButton(tr("Restore a Backup…"), ButtonKind::primary))
-    , m_choose(addButton(tr("Choose Folder…"), ButtonKind::plain))
-    , m_startNew(addButton(tr("Start a New Library Here"), ButtonKind::plain))
+    , m_update(addButton(QStringLiteral("Check for Updates…"), ButtonKind::primary))
+    , m_restore(addButton(QStringLiteral("Restore a Backup…"), ButtonKind::primary))
+    , m_choose(addButton(QStringLiteral("Choose Folder…"), ButtonKind::plain))
+    , m_startNew(addButton(QStringLiteral("Start a New Library Here"), ButtonKind::plain))
 {
     setObjectName(QStringLiteral("libraryPage"));
     m_restore->setObjectName(QStringLiteral("restoreBackup"));
@@ -35,8 +35,8 @@ void LibraryPage::refresh()
 {
     const bool isOpening = m_model.isOpening();
     const bool isNewer = m_model.readOnly() == ReadOnlyReason::newerVersion;
-    setSentence(isOpening ? tr("Opening your library…")
-            : isNewer     ? tr("This library was saved by a newer version of Pallisande.")
+    setSentence(isOpening ? QStringLiteral("Opening your library…")
+            : isNewer     ? QStringLiteral("This library was saved by a newer version of Pallisande.")
                           : qt(m_model.readOnlyText()));
     setExplanation(isOpening || !m_model.hasLibrary() ? QString() : qt(m_model.folder().string()));
     const bool isMissing = m_model.readOnly() == ReadOnlyReason::missingFile;

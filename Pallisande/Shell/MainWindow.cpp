@@ -115,6 +115,11 @@ void MainWindow::connectAll()
     connect(m_libraryPage, &LibraryPage::updateCheckWanted, this, &MainWindow::checkForUpdates);
     connect(&m_model, &AppModel::sectionChanged, this, &MainWindow::showSection);
     connect(&m_model, &AppModel::stateChanged, this, &MainWindow::showSection);
+    connect(&m_model, &AppModel::sheetChanged, this, [this] {
+        const auto& sheet = m_model.sheet();
+        if (sheet && std::holds_alternative<NewJobSheet>(*sheet))
+            pageOf(AppSection::jobs); // Leads on with the job, so it must see how it is added.
+    });
     connect(&m_services.theme, &ThemeController::changed, this, &MainWindow::fitToWidth);
     const auto addKeys = [this](const QKeySequence& keys, int step) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, [this, step] { cyclePanes(step); });
@@ -164,7 +169,8 @@ void MainWindow::showSection()
 
 void MainWindow::tellTitle()
 {
-    setWindowTitle(m_page ? tr("%1 – Pallisande").arg(m_page->title()) : tr("Pallisande"));
+    setWindowTitle(
+        m_page ? QStringLiteral("%1 – Pallisande").arg(m_page->title()) : QStringLiteral("Pallisande"));
 }
 
 SheetDialog* MainWindow::sheet() const { return m_sheets->dialog(); }
@@ -299,12 +305,12 @@ void MainWindow::closeEvent(QCloseEvent* event)
     event->ignore(); // The banner says why.
     if (!std::exchange(m_mayLeaveUnsaved, true))
         return;
-    QMessageBox box(QMessageBox::Warning, tr("Pallisande"), tr("Your last changes couldn’t be saved."),
-        QMessageBox::NoButton, this);
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("Pallisande"),
+        QStringLiteral("Your last changes couldn’t be saved."), QMessageBox::NoButton, this);
     box.setObjectName(QStringLiteral("leaveUnsaved"));
-    box.setInformativeText(tr("If you quit now, they are lost."));
-    auto* quit = box.addButton(tr("Quit Without Saving"), QMessageBox::DestructiveRole);
-    box.setDefaultButton(box.addButton(tr("Don’t Quit"), QMessageBox::RejectRole));
+    box.setInformativeText(QStringLiteral("If you quit now, they are lost."));
+    auto* quit = box.addButton(QStringLiteral("Quit Without Saving"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(box.addButton(QStringLiteral("Don’t Quit"), QMessageBox::RejectRole));
     box.exec();
     if (box.clickedButton() == quit)
         event->accept();

@@ -26,14 +26,14 @@ QStringList sortsOf(AppSection section)
     case AppSection::deadlines:
         return {};
     case AppSection::jobs:
-        return { QObject::tr("&Deadline"), QObject::tr("&Title"), QObject::tr("&Client"),
-            QObject::tr("&Received"), QObject::tr("&Price") };
+        return { QStringLiteral("&Deadline"), QStringLiteral("&Title"), QStringLiteral("&Client"),
+            QStringLiteral("&Received"), QStringLiteral("&Price") };
     case AppSection::clients:
-        return { QObject::tr("&Name"), QObject::tr("&Open jobs"), QObject::tr("&Last job"),
-            QObject::tr("O&utstanding") };
+        return { QStringLiteral("&Name"), QStringLiteral("&Open jobs"), QStringLiteral("&Last job"),
+            QStringLiteral("O&utstanding") };
     case AppSection::invoices:
-        return { QObject::tr("&Newest"), QObject::tr("&Client"), QObject::tr("&Due"), QObject::tr("&Amount"),
-            QObject::tr("&Status") };
+        return { QStringLiteral("&Newest"), QStringLiteral("&Client"), QStringLiteral("&Due"),
+            QStringLiteral("&Amount"), QStringLiteral("&Status") };
     }
     return {};
 }
@@ -75,7 +75,7 @@ void fillSorts(QMenu& menu, AppModel& model)
         action->setChecked(place++ == sortOf(model));
     }
     if (menu.isEmpty())
-        menu.addAction(QObject::tr("By deadline, in lanes"))->setEnabled(false);
+        menu.addAction(QStringLiteral("By deadline, in lanes"))->setEnabled(false);
 }
 
 QMenu* addMenu(QMenuBar& bar, const Commands& commands, const QString& title, const Items& items)
@@ -94,7 +94,7 @@ void addAbove(QMenu& menu, const Commands& commands, Command command, QMenu* sub
 
 QMenu* makeNewInvoiceMenu(AppModel& model, QWidget* parent)
 {
-    auto* menu = new QMenu(QObject::tr("New In&voice"), parent);
+    auto* menu = new QMenu(QStringLiteral("New In&voice"), parent);
     menu->setObjectName(QStringLiteral("newInvoiceMenu"));
     menu->setToolTipsVisible(true);
     QObject::connect(menu, &QMenu::aboutToShow, menu, [menu, &model] { fillNewInvoiceMenu(menu, model); });
@@ -103,40 +103,40 @@ QMenu* makeNewInvoiceMenu(AppModel& model, QWidget* parent)
 
 void fillMenuBar(QMenuBar& bar, AppModel& model, Commands& commands)
 {
-    auto* file = addMenu(bar, commands, QObject::tr("&File"),
+    auto* file = addMenu(bar, commands, QStringLiteral("&File"),
         { newJob, newClient, line, importAnalysis, typeCounts, countDocuments, line, savePDF, openStoredPDF,
             line, backUpNow, showLibraryFolder, line, closeWindow, quit });
     file->insertMenu(file->actions().at(2), makeNewInvoiceMenu(model, file));
 
-    addMenu(bar, commands, QObject::tr("&Edit"),
+    addMenu(bar, commands, QStringLiteral("&Edit"),
         { undo, redo, line, cut, copy, paste, remove, selectAll, line, find, copyRows, line, settings });
 
-    addMenu(bar, commands, QObject::tr("&Job"),
+    addMenu(bar, commands, QStringLiteral("&Job"),
         { statusQuote, statusInProgress, statusDelivered, statusInvoiced, statusPaid, statusCancelled,
             markDelivered, line, importAnalysis, typeCounts, countTranslation, addExtraLine, line,
             giveQuoteNumber, makeInvoice, line, duplicateJob, openClient, deleteJob });
 
-    addMenu(bar, commands, QObject::tr("&Client"), { newClient, line, archiveClient, deleteClient });
+    addMenu(bar, commands, QStringLiteral("&Client"), { newClient, line, archiveClient, deleteClient });
 
-    auto* invoice = addMenu(bar, commands, QObject::tr("&Invoice"),
+    auto* invoice = addMenu(bar, commands, QStringLiteral("&Invoice"),
         { addInvoiceLine, issue, recordPayment, payInFull, makeCreditNote, addExchangeRate, line,
             openStoredPDF, showStoredPDF, saveDraftPDF, line, emailClient, copyNumber, copyTotal,
             copyReminder, line, deleteDraft, line, checkNumbering });
     addAbove(*invoice, commands, addInvoiceLine, makeNewInvoiceMenu(model, invoice));
 
-    auto* view = addMenu(bar, commands, QObject::tr("&View"),
+    auto* view = addMenu(bar, commands, QStringLiteral("&View"),
         { showDeadlines, showJobs, showClients, showInvoices, previousSection, nextSection, goBack, goForward,
             line, showArchived, line, sidebar, inspector, line, largerText, smallerText, actualSize, line,
             fullScreen });
-    auto* sorts = new QMenu(QObject::tr("S&ort By"), view);
+    auto* sorts = new QMenu(QStringLiteral("S&ort By"), view);
     QObject::connect(sorts, &QMenu::aboutToShow, sorts, [sorts, &model] { fillSorts(*sorts, model); });
     addAbove(*view, commands, showArchived, sorts);
-    auto* appearance = new QMenu(QObject::tr("Appea&rance"), view);
+    auto* appearance = new QMenu(QStringLiteral("Appea&rance"), view);
     commands.fill(*appearance, { systemAppearance, lightAppearance, darkAppearance });
     addAbove(*view, commands, largerText, appearance);
 
-    addMenu(bar, commands, QObject::tr("&Window"), { minimise });
-    addMenu(bar, commands, QObject::tr("&Help"),
+    addMenu(bar, commands, QStringLiteral("&Window"), { minimise });
+    addMenu(bar, commands, QStringLiteral("&Help"),
         { keyboardShortcuts, recentMessages, line, checkForUpdates, about });
 }
 

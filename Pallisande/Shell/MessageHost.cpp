@@ -17,21 +17,21 @@ QString buttonOf(Problem::Action action)
     case Problem::Action::none:
         return {};
     case Problem::Action::chooseFolder:
-        return QObject::tr("Choose Folder…");
+        return QStringLiteral("Choose Folder…");
     case Problem::Action::checkForUpdates:
-        return QObject::tr("Check for Updates…");
+        return QStringLiteral("Check for Updates…");
     case Problem::Action::showBackups:
-        return QObject::tr("Show Backups");
+        return QStringLiteral("Show Backups");
     case Problem::Action::tryAgain:
-        return QObject::tr("Try Again");
+        return QStringLiteral("Try Again");
     case Problem::Action::showLibraryFolder:
-        return QObject::tr("Show Library Folder");
+        return QStringLiteral("Show Library Folder");
     case Problem::Action::newClient:
-        return QObject::tr("New Client");
+        return QStringLiteral("New Client");
     case Problem::Action::archiveClient:
-        return QObject::tr("Archive");
+        return QStringLiteral("Archive");
     case Problem::Action::openInvoice:
-        return QObject::tr("Open It");
+        return QStringLiteral("Open It");
     }
     return {};
 }
@@ -42,9 +42,10 @@ QString buttonOf(Notice::Action action)
     case Notice::Action::none:
         return {};
     case Notice::Action::undo:
-        return QObject::tr("Undo");
+        return QStringLiteral("Undo");
     case Notice::Action::show:
-        return QObject::tr("Show");
+    case Notice::Action::showBackups:
+        return QStringLiteral("Show");
     }
     return {};
 }
@@ -145,6 +146,8 @@ void MessageHost::actOnNotice()
         m_model.invoices().openStoredPDF(*notice->subject);
     else if (notice->action == Notice::Action::show)
         m_model.showLibraryFolder();
+    else if (notice->action == Notice::Action::showBackups)
+        emit backupsWanted();
 }
 
 } // namespace Pallisande

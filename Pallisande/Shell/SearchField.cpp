@@ -12,7 +12,7 @@ namespace Pallisande {
 namespace {
 
 constexpr std::chrono::milliseconds delay { 120 };
-constexpr int leastWidth = 120, usualWidth = 260, mostWidth = 320;
+constexpr int besideHint = 56, usualWidth = 260, mostWidth = 320;
 
 } // namespace
 
@@ -23,8 +23,8 @@ SearchField::SearchField(AppModel& model, QWidget* parent)
     setObjectName(QStringLiteral("search"));
     addAction(themedIcon(Icon::magnifier), QLineEdit::LeadingPosition);
     m_clear = addAction(themedIcon(Icon::cross), QLineEdit::TrailingPosition);
-    m_clear->setToolTip(tr("Clear Search"));
-    m_clear->setText(tr("Clear Search"));
+    m_clear->setToolTip(QStringLiteral("Clear Search"));
+    m_clear->setText(QStringLiteral("Clear Search"));
     m_clear->setVisible(false);
     connect(m_clear, &QAction::triggered, this, [this] {
         clear();
@@ -48,6 +48,7 @@ void SearchField::showSection(AppSection section, const QString& hint)
     setVisible(!hint.isEmpty());
     setPlaceholderText(hint);
     setAccessibleName(hint);
+    dress();
     if (section != AppSection::deadlines)
         setText(qt(m_model.search(section)));
 }
@@ -94,8 +95,9 @@ void SearchField::changeEvent(QEvent* event)
 
 void SearchField::dress()
 {
-    setMinimumWidth(leastWidth);
-    setMaximumWidth(Theme::of(this).scaled(mostWidth));
+    const auto& theme = Theme::of(this);
+    setMinimumWidth(fontMetrics().horizontalAdvance(placeholderText()) + theme.scaled(besideHint));
+    setMaximumWidth(theme.scaled(mostWidth));
 }
 
 } // namespace Pallisande

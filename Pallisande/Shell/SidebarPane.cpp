@@ -24,7 +24,7 @@ SidebarPane::SidebarPane(AppModel& model, Commands& commands, QWidget* parent)
     m_foot->setFocusPolicy(Qt::TabFocus);
     auto* menu = new QMenu(m_foot);
     commands.fill(*menu, { Command::showLibraryFolder, Command::backUpNow });
-    menu->addAction(tr("Library &Settings…"), this, &SidebarPane::libraryPageWanted);
+    menu->addAction(QStringLiteral("Library &Settings…"), this, &SidebarPane::libraryPageWanted);
     m_menu = menu;
     m_foot->setPopupMode(QToolButton::InstantPopup);
     connect(m_foot, &QToolButton::clicked, this, [this] {
@@ -69,49 +69,52 @@ void SidebarPane::refreshBadges()
 {
     const auto& badges = m_model.badges();
     const auto due = badges.overdueJobs + badges.jobsDueToday;
-    auto deadlines = tr("Deadlines");
+    auto deadlines = QStringLiteral("Deadlines");
     if (badges.overdueJobs > 0)
-        deadlines += tr(", %1 overdue").arg(badges.overdueJobs);
+        deadlines += QStringLiteral(", %1 overdue").arg(badges.overdueJobs);
     if (badges.jobsDueToday > 0)
-        deadlines += tr(", %1 due today").arg(badges.jobsDueToday);
+        deadlines += QStringLiteral(", %1 due today").arg(badges.jobsDueToday);
     m_sections->setItems({
         { .icon = Icon::clock,
-            .title = tr("Deadlines"),
+            .title = QStringLiteral("Deadlines"),
             .badge = static_cast<int>(due),
             .isAlarming = badges.overdueJobs > 0,
             .spoken = deadlines },
         { .icon = Icon::list,
-            .title = tr("Jobs"),
+            .title = QStringLiteral("Jobs"),
             .badge = static_cast<int>(badges.openJobs),
-            .spoken = badges.openJobs > 0 ? tr("Jobs, %1 open").arg(badges.openJobs) : tr("Jobs") },
-        { .icon = Icon::person, .title = tr("Clients") },
+            .spoken = badges.openJobs > 0 ? QStringLiteral("Jobs, %1 open").arg(badges.openJobs)
+                                          : QStringLiteral("Jobs") },
+        { .icon = Icon::person, .title = QStringLiteral("Clients") },
         { .icon = Icon::invoice,
-            .title = tr("Invoices"),
+            .title = QStringLiteral("Invoices"),
             .badge = static_cast<int>(badges.overdueInvoices),
             .isAlarming = true,
-            .spoken = badges.overdueInvoices > 0 ? tr("Invoices, %1 overdue").arg(badges.overdueInvoices)
-                                                 : tr("Invoices") },
+            .spoken = badges.overdueInvoices > 0
+                ? QStringLiteral("Invoices, %1 overdue").arg(badges.overdueInvoices)
+                : QStringLiteral("Invoices") },
     });
 }
 
 void SidebarPane::refreshFoot()
 {
     Icon icon = Icon::check;
-    auto text = tr("Saved");
+    auto text = QStringLiteral("Saved");
     if (m_model.isOpening()) {
         icon = Icon::folder;
-        text = tr("Opening…");
+        text = QStringLiteral("Opening…");
     } else if (!m_model.canEdit()) {
         icon = Icon::lock;
-        text = tr("Read-only");
+        text = QStringLiteral("Read-only");
     } else if (m_model.saveState() == SaveState::failed) {
         icon = Icon::warning;
-        text = tr("Not saved");
+        text = QStringLiteral("Not saved");
     }
     auto tip = qt(m_model.folder().string());
     if (const auto saved = m_model.lastSaved()) {
         const auto at = m_model.services().calendar.components(*saved);
-        tip += tr("\nLast saved %1, %2").arg(qt(Formats::day(at.day)), qt(m_model.formats().time(at)));
+        tip += QStringLiteral("\nLast saved %1, %2")
+                   .arg(qt(Formats::day(at.day)), qt(m_model.formats().time(at)));
     }
     const bool isNarrow = m_sections->isNarrow();
     m_foot->setMenu(isNarrow ? nullptr : m_menu); // There is no room for its arrow.

@@ -95,15 +95,15 @@ Strips::Strips(AppModel& model, bool isSample, QWidget* parent)
     m_notFound->setObjectName(QStringLiteral("notFoundStrip"));
     m_readOnly->setObjectName(QStringLiteral("readOnlyStrip"));
 
-    m_sample->setSentence(tr("This is sample data. Nothing here is saved to your library."));
-    connect(m_sample->addButton(tr("Use My Own Library")), &QPushButton::clicked, this,
+    m_sample->setSentence(QStringLiteral("This is sample data. Nothing here is saved to your library."));
+    connect(m_sample->addButton(QStringLiteral("Use My Own Library")), &QPushButton::clicked, this,
         &Strips::ownLibraryWanted);
     m_sample->setVisible(isSample);
-    connect(m_notFound->addButton(tr("Choose Folder…")), &QPushButton::clicked, this,
+    connect(m_notFound->addButton(QStringLiteral("Choose Folder…")), &QPushButton::clicked, this,
         [this] { m_model.chooseLibraryFolder(); });
-    connect(m_notFound->addButton(tr("Keep This Folder")), &QPushButton::clicked, this,
+    connect(m_notFound->addButton(QStringLiteral("Keep This Folder")), &QPushButton::clicked, this,
         [this] { m_model.confirmFolder(); });
-    m_openAgain = m_readOnly->addButton(tr("Open Again"));
+    m_openAgain = m_readOnly->addButton(QStringLiteral("Open Again"));
     m_openAgain->setObjectName(QStringLiteral("openAgain"));
     connect(m_openAgain, &QPushButton::clicked, this, [this] { m_model.moveLibrary(m_model.folder()); });
     connect(&model, &AppModel::stateChanged, this, &Strips::refresh);
@@ -113,9 +113,10 @@ Strips::Strips(AppModel& model, bool isSample, QWidget* parent)
 void Strips::refresh()
 {
     const bool isThere = m_model.hasLibrary() && !m_model.isOpening();
-    m_notFound->setSentence(tr("Your library folder couldn’t be found, so “%1” is in use. Nothing is issued "
-                               "until you say that this is the right one.")
-                                .arg(qt(m_model.folder().string())));
+    m_notFound->setSentence(
+        QStringLiteral("Your library folder couldn’t be found, so “%1” is in use. Nothing is issued "
+                       "until you say that this is the right one.")
+            .arg(qt(m_model.folder().string())));
     m_notFound->setVisible(isThere && m_model.folderWasNotFound());
     const auto reason = m_model.readOnly();
     m_readOnly->setSentence(qt(m_model.readOnlyText()));

@@ -20,7 +20,7 @@ constexpr int toolbarHeight = 52;
 
 QWidget* makeNewInvoice(AppModel& model, QWidget* parent)
 {
-    auto* button = makeButton(QObject::tr("New Invoice"), Icon::plus, ButtonKind::primary, parent);
+    auto* button = makeButton(QStringLiteral("New Invoice"), Icon::plus, ButtonKind::primary, parent);
     button->setObjectName(QStringLiteral("newInvoice"));
     button->setMenu(makeNewInvoiceMenu(model, button));
     const auto dress = [button, &model] {
@@ -45,7 +45,7 @@ Toolbar::Toolbar(AppModel& model, Commands& commands, QWidget* parent)
     , m_search(new SearchField(model, this))
 {
     setObjectName(QStringLiteral("toolbar"));
-    setAccessibleName(tr("Toolbar"));
+    setAccessibleName(QStringLiteral("Toolbar"));
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(Space::large, Space::small, Space::large, Space::small);
     rows->setSpacing(0);
@@ -63,7 +63,7 @@ Toolbar::Toolbar(AppModel& model, Commands& commands, QWidget* parent)
     box->addWidget(m_count);
     box->addSpacing(Space::tiny);
     box->addWidget(m_search, 2);
-    m_inspector = makeIconButton(Icon::inspector, tr("Inspector or Preview"), this);
+    m_inspector = makeIconButton(Icon::inspector, QStringLiteral("Inspector or Preview"), this);
     m_inspector->setObjectName(QStringLiteral("inspectorButton"));
     m_inspector->setCheckable(true);
     auto* action = commands.action(Command::inspector);
@@ -104,9 +104,15 @@ QWidget* Toolbar::filtersOf(SectionPage* page)
     auto* box = new QHBoxLayout(row);
     box->setContentsMargins(0, 0, 0, 0);
     box->setSpacing(Space::small);
+    auto* before = m_search->previousInFocusChain();
+    while (!(before->focusPolicy() & Qt::TabFocus)) // Qt orders nothing behind others.
+        before = before->previousInFocusChain();
     for (auto* filter : page->filters()) {
         box->addWidget(filter);
         filter->show();
+        setTabOrder(before, filter); // They were made with their page, far behind.
+        setTabOrder(filter, m_search);
+        before = filter;
     }
     m_filters->addWidget(row);
     return row;
@@ -193,8 +199,10 @@ void Toolbar::paintEvent(QPaintEvent*)
 void Toolbar::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::StyleChange)
+    if (event->type() == QEvent::StyleChange) {
         dress();
+        QMetaObject::invokeMethod(this, &Toolbar::refresh, Qt::QueuedConnection); // What it holds goes first.
+    }
 }
 
 void Toolbar::dress() { setMinimumHeight(Theme::of(this).scaled(toolbarHeight)); }

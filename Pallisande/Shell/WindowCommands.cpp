@@ -198,15 +198,15 @@ void MainWindow::showUpdate(const UpdateResult& result)
     box->setTextFormat(Qt::PlainText); // Whatever a feed holds.
     box->setInformativeText(words);
     if (isFound) {
-        auto* open = box->addButton(tr("Open Download Page"), QMessageBox::AcceptRole);
-        box->addButton(tr("Later"), QMessageBox::RejectRole);
+        auto* open = box->addButton(QStringLiteral("Open Download Page"), QMessageBox::AcceptRole);
+        box->addButton(QStringLiteral("Later"), QMessageBox::RejectRole);
         box->setDefaultButton(open);
         connect(open, &QPushButton::clicked, this, [this, page = qt(result.feed.page)] {
             if (m_services.openAddress)
                 m_services.openAddress(page);
         });
     } else {
-        box->addButton(tr("OK"), QMessageBox::AcceptRole);
+        box->addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
     }
     box->open();
 }

@@ -1,5 +1,6 @@
 #include "Pallisande/Widgets/Buttons.h"
 
+#include <QKeyEvent>
 #include <QVariant>
 
 namespace Pallisande {
@@ -7,6 +8,22 @@ namespace Pallisande {
 namespace {
 
 constexpr const char* kindProperty = "buttonKind";
+
+// Outside of dialogs, Qt leaves it to the desktop whether Return presses the button that has the focus.
+class Button : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (isReturn && !(event->modifiers() & ~Qt::KeypadModifier) && !event->isAutoRepeat())
+            click();
+        else
+            QPushButton::keyPressEvent(event);
+    }
+};
 
 } // namespace
 
@@ -27,7 +44,7 @@ ButtonKind kindOf(const QWidget* button)
 
 QPushButton* makeButton(const QString& text, ButtonKind kind, QWidget* parent)
 {
-    auto* button = new QPushButton(text, parent);
+    auto* button = new Button(text, parent);
     button->setAutoDefault(false);
     setKind(button, kind);
     return button;

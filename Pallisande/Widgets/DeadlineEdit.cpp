@@ -43,7 +43,6 @@ DeadlineEdit::DeadlineEdit(const QLocale& locale, Now now, QWidget* parent)
     , m_skipped(makeSentence({}, this, TextStyle::small, Ink::amber))
     , m_proposals(new QWidget(this))
 {
-    setFocusProxy(m_day);
     m_day->setObjectName(QStringLiteral("deadlineDay"));
     m_time->setObjectName(QStringLiteral("deadlineTime"));
     m_day->setAccessibleName(QStringLiteral("Deadline, day"));

@@ -34,6 +34,12 @@ void Label::setStyle(TextStyle style)
     dress();
 }
 
+// Backwards, Qt finds the link that a text begins with again and again, and Shift+Tab would never leave it.
+bool Label::focusNextPrevChild(bool next)
+{
+    return next ? QLabel::focusNextPrevChild(true) : QWidget::focusNextPrevChild(false);
+}
+
 void Label::changeEvent(QEvent* event)
 {
     QLabel::changeEvent(event);

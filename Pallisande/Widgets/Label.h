@@ -18,6 +18,7 @@ public:
     void setStyle(TextStyle style);
 
 protected:
+    bool focusNextPrevChild(bool next) override;
     void changeEvent(QEvent* event) override;
 
 private:

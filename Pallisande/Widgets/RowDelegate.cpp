@@ -15,14 +15,14 @@ namespace Pallisande {
 namespace {
 
 constexpr int rowHeight = 64, paddingAcross = 12, paddingAlong = 10;
-constexpr int veryLarge = 175; // A size of the text at which figure and chip have a line of their own.
+constexpr int large = 140; // A size of the text at which figure and chip have a line of their own.
 
 // Where the parts of a row stand.
 struct Places {
     QRectF title, figure, warning, detail, chip;
 };
 
-bool isTall(const Theme& theme) { return theme.textSize() >= veryLarge; }
+bool isTall(const Theme& theme) { return theme.textSize() >= large; }
 
 // A client’s name gives way before the languages and the day behind it do.
 QString shownDetail(const QModelIndex& index, const QFontMetricsF& metrics, double room)

@@ -16,7 +16,7 @@ enum RowRole {
     dropRole, // True: something hovers over the row that it would take.
 };
 
-// Paints rows of two lines, of three where the text is very large. What doesn't fit is elided and whole in
+// Paints rows of two lines, of three where the text is large. What doesn't fit is elided and whole in
 // the tooltip.
 class RowDelegate : public QStyledItemDelegate {
     Q_OBJECT

@@ -44,6 +44,8 @@ SheetDialog::SheetDialog(const QString& title, const QString& sentence, Width wi
 {
     setWindowTitle(title);
     setWindowModality(Qt::WindowModal);
+    if (parent)
+        parent->window()->installEventFilter(this);
     setAccessibleName(title);
     setAccessibleDescription(sentence);
 
@@ -207,8 +209,16 @@ void SheetDialog::changeEvent(QEvent* event)
     QDialog::changeEvent(event);
     if (event->type() == QEvent::StyleChange) {
         dress();
-        fit();
+        QMetaObject::invokeMethod(this, &SheetDialog::fit, Qt::QueuedConnection); // What it holds goes first.
     }
+}
+
+// The window below has become smaller or larger.
+bool SheetDialog::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Resize && isVisible())
+        fit();
+    return QDialog::eventFilter(watched, event);
 }
 
 void SheetDialog::dress()

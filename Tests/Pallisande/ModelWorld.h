@@ -117,6 +117,7 @@ struct World {
         model = std::make_unique<Pallisande::AppModel>(Pallisande::AppServices {
             .now = [this] { return now; },
             .calendar = calendar(),
+            .systemCalendar = [this] { return systemCalendar; },
             .after = [this](auto wait, auto task) { return timers.after(wait, std::move(task)); },
             .background = &background,
             .preferences = &preferences,
@@ -153,6 +154,7 @@ struct World {
     TemporaryFolder root;
     fs::path library = root / "Library";
     Base::Instant now = moment().now;
+    Base::Calendar systemCalendar = calendar();
     FakeTimers timers;
     InlineBackground background;
     Pallisande::MemoryPreferences preferences;

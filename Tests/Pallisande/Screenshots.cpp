@@ -15,6 +15,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTimer>
+#include <QTreeWidget>
 
 #include <fmt/format.h>
 
@@ -143,6 +144,44 @@ std::function<QWidget*(Studio&)> settings(int page)
         return studio.window->findChild<SettingsWindow*>();
     };
 }
+
+// A week of copies, of which each older one knows less, and one made on demand.
+void makeCopies(Studio& studio)
+{
+    const LibraryStore store(studio.world.library);
+    auto library = store.load(Test::moment()).library;
+    store.backup(library, Test::momentOn("2026-03-05"));
+    for (int back = 1; back <= 7; ++back) {
+        if (back % 2 == 0 && !library.invoices.empty())
+            library.invoices.pop_back();
+        library.jobs.pop_back();
+        library.clients.back().name += " (old)";
+        store.dailyBackup(library, Test::momentOn(Test::day("2026-03-09").plusDays(-back).toString()));
+    }
+}
+
+void makeOtherVersions(Studio& studio)
+{
+    makeCopies(studio);
+    const auto& folder = studio.world.library;
+    fs::copy(folder / "Backups/Pallisande Library 2026-03-07.json",
+        folder / "Pallisande Library (Ada’s conflicted copy 2026-03-08).json");
+    Test::writeFile(folder / "Backups/Pallisande Library 2026-03-06.json", "{\"version\": 1, \"jobs");
+}
+
+std::function<void(Studio&)> backups(int row, bool asks = false)
+{
+    return [=](Studio& studio) {
+        studio.window->showBackups();
+        auto* list = studio.window->findChild<QTreeWidget*>("backupList");
+        if (row >= 0)
+            list->setCurrentItem(list->topLevelItem(row));
+        if (asks)
+            studio.window->findChild<QPushButton*>("restore")->click();
+    };
+}
+
+QWidget* backupsWindow(Studio& studio) { return studio.window->findChild<QDialog*>("backups"); }
 
 std::vector<Scene> scenes()
 {
@@ -297,6 +336,18 @@ std::vector<Scene> scenes()
         { "settings-business", true, nothing, settings(0) },
         { "settings-invoices", false, nothing, settings(1) },
         { "settings-library", false, nothing, settings(2) },
+        { "backups", false, backups(-1), backupsWindow, makeCopies },
+        { "backups-compared", true, backups(5), backupsWindow, makeCopies },
+        { "backups-asked", false, backups(3, true), backupsWindow, makeCopies },
+        { "backups-other-version", false, backups(0), backupsWindow, makeOtherVersions },
+        { "backups-damaged", false, backups(4), backupsWindow, makeOtherVersions },
+        { "backups-take-over", true, backups(0), backupsWindow,
+            [](Studio& studio) {
+                makeCopies(studio);
+                changeLibrary(studio, [](Library& library) { library.invoices.clear(); });
+            } },
+        { "backups-empty", false, backups(-1), backupsWindow,
+            [](Studio& studio) { fs::remove_all(studio.world.library / "Backups"); } },
     };
     for (auto& scene : all) {
         if (!scene.subject)

@@ -68,8 +68,7 @@ public:
             themeController().setTextSize(size);
             themeController().setAppearance(
                 size == 150 ? Pallisande::Appearance::dark : Pallisande::Appearance::light);
-            QTest::qWait(20); // Layouts settle in several steps.
-            EXPECT_EQ(clippedTexts(*m_dialog), std::vector<std::string>()) << size;
+            EXPECT_EQ(lastClippedTexts(*m_dialog), std::vector<std::string>()) << size;
         }
         EXPECT_EQ(namelessWidgets(*m_dialog), std::vector<std::string>());
         themeController().setTextSize(100);

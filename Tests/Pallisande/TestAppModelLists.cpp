@@ -55,6 +55,13 @@ TEST(AppModelLists, figuresAndDaysAsTheyAreShown)
     EXPECT_EQ(english.rate(decimal("0.08351239")), "0.083512");
     EXPECT_EQ(english.exchangeRate(decimal("1.1712")), "1.171200");
     EXPECT_EQ(english.number(decimal("0.5")), "0.5");
+    EXPECT_EQ(english.percent(decimal("12.5")), "12.5%");
+    EXPECT_EQ(german.percent(decimal("12.5")), "12,5\u00A0%");
+    EXPECT_EQ(Formats(QLocale("tr_TR")).percent(decimal("75")), "%75");
+    EXPECT_EQ(Formats(QLocale::c()).percent(decimal("75")), "75%");
+    EXPECT_EQ(spokenPair({ "de", "en-US" }), "German to English (United States)");
+    EXPECT_EQ(spokenPair({ "Swiss German", "zh-Hant" }), "Swiss German to Chinese (Traditional)");
+    EXPECT_EQ(spokenPair({ "", "Klingon" }), "to Klingon");
     EXPECT_EQ(english.time({ .hour = 17, .minute = 5 }), "17:05");
     EXPECT_EQ(american.time({ .hour = 17, .minute = 5 }), "5:05 PM");
     EXPECT_EQ(american.time({ .hour = 0, .minute = 30 }), "12:30 AM");
@@ -103,7 +110,8 @@ TEST(AppModelLists, jobsAreFilteredSearchedAndSorted)
     EXPECT_EQ(row.subtitle, "Nordlicht Verlag · de → en · due tomorrow 15:05");
     EXPECT_EQ(row.price, "100.00\u00A0EUR");
     EXPECT_EQ(row.spoken,
-        "Leaflet 10, Nordlicht Verlag, de → en, In progress, due tomorrow 15:05, 100.00\u00A0EUR before tax");
+        "Leaflet 10, Nordlicht Verlag, German to English, in progress, due Tue 10 Mar, 15:05, "
+        "100.00\u00A0EUR before tax");
     EXPECT_EQ(jobs.row(id(21)).subtitle, "Hafen · de → en · delivered 6 Mar");
     model.clients().edit(
         id(1), "Change Time Zone", [](Client& client) { client.timeZone = "Pacific/Auckland"; });
@@ -202,6 +210,29 @@ TEST(AppModelLists, theBoardAndBadgesFollowTheClock)
     EXPECT_EQ(model.badges().overdueInvoices, 1);
 }
 
+TEST(AppModelLists, daysAndRemindersFollowAUserWhoTravels)
+{
+    World world;
+    auto library = ::Test::sampleLibrary();
+    library.jobs[0].status = JobStatus::inProgress;
+    library.jobs[0].deadline = world.now.plusMilliseconds(10 * hour);
+    auto& model = world.start(library);
+    model.setRemindersOn(true);
+    const auto dueHere = [&] {
+        for (const auto& lane : model.deadlines().board().lanes) {
+            if (!lane.empty())
+                return lane.front().dueHere + ", " + lane.front().due;
+        }
+        return std::string();
+    };
+    const auto before = world.notifications.pending.at(0).trigger.hour;
+    world.systemCalendar = *Base::Calendar::named("America/Los_Angeles");
+    world.timers.advance(std::chrono::minutes(1));
+    EXPECT_EQ(dueHere(), "Mon 9 Mar, 17:05 here, Tue 10 Mar, 01:05 · Berlin");
+    EXPECT_EQ(world.notifications.pending.at(0).trigger.hour, before - 8);
+    EXPECT_EQ(model.session()->moment().calendar.zone(), "America/Los_Angeles");
+}
+
 TEST(AppModelLists, clientsShowWhatTheirRecordsComeTo)
 {
     World world;
@@ -216,7 +247,7 @@ TEST(AppModelLists, clientsShowWhatTheirRecordsComeTo)
     clients.setSort(ClientSort::outstanding);
     EXPECT_EQ(clients.ids(), (IDs { id(2), id(1) }));
     EXPECT_EQ(clients.figures(id(2)).outstanding, (std::map<std::string, Base::Decimal> { { "USD", 200 } }));
-    EXPECT_EQ(clients.row(id(1)).spoken, "Nordlicht Verlag, 1 open job, EUR · 0.10 per word");
+    EXPECT_EQ(clients.row(id(1)).spoken, "Nordlicht Verlag, 1 open job, 0.10 EUR per word");
     clients.setArchived(id(2), true);
     EXPECT_EQ(clients.ids().size(), 2u); // A changed row stays.
     model.select(AppSection::clients, id(1));

@@ -73,7 +73,8 @@ TEST(DeadlinesPage, cardsMoveWithTheClock)
         return board->model()->index(row, 0).data(Qt::AccessibleTextRole).toString().toStdString();
     };
     EXPECT_EQ(spoken(0),
-        "Job 31, Nordlicht Verlag · de → en, In progress, due Fri 6 Mar, 17:00, 3 days late, 10.00 EUR before tax");
+        "Job 31, Nordlicht Verlag, German to English, in progress, due Fri 6 Mar, 17:00, 3 days late, "
+        "10.00 EUR before tax");
     const auto before = spoken(1);
     world.now = ::Test::instant("2026-03-10T12:00:00.000Z");
     world.timers.advance(std::chrono::minutes(1));

@@ -460,9 +460,8 @@ TEST(JobsPage, fitsInEverySizeAndLook)
             Page page(library);
             for (const std::uint64_t job : { 11, 12, 21 }) {
                 page.select(job);
-                QTest::qWait(20);
                 SCOPED_TRACE(testing::Message() << size << "%, job " << job);
-                EXPECT_EQ(clippedTexts(*page.window), Strings());
+                EXPECT_EQ(lastClippedTexts(*page.window), Strings());
                 EXPECT_EQ(namelessWidgets(*page.window), Strings());
             }
         }

@@ -1,61 +1,23 @@
 #include "Base/Base64.h"
 #include "Base/Json.h"
-#include "Pallisande/Model/UpdateCheck.h"
+#include "Tests/Pallisande/SignedFeeds.h"
 #include "Tests/Support/Folders.h"
 #include "Tests/Support/Samples.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <openssl/evp.h>
 
 #include <cstdlib>
 
 namespace {
 
 using namespace Pallisande;
+using ::Test::feedDocument;
 using ::Test::instant;
+using ::Test::Signer;
 using Case = UpdateResult::Case;
 
-// An Ed25519 key pair of 32 equal bytes.
-struct Signer {
-    explicit Signer(char seed)
-    {
-        const std::string secret(32, seed);
-        key = EVP_PKEY_new_raw_private_key(
-            EVP_PKEY_ED25519, nullptr, reinterpret_cast<const unsigned char*>(secret.data()), secret.size());
-    }
-    ~Signer() { EVP_PKEY_free(key); }
-
-    std::string publicKey() const
-    {
-        std::string bytes(32, '\0');
-        std::size_t size = bytes.size();
-        EVP_PKEY_get_raw_public_key(key, reinterpret_cast<unsigned char*>(bytes.data()), &size);
-        return Base::toBase64(bytes);
-    }
-    std::string signedFeed(const std::string& document) const
-    {
-        std::string signature(64, '\0');
-        std::size_t size = signature.size();
-        auto* const context = EVP_MD_CTX_new();
-        EVP_DigestSignInit(context, nullptr, nullptr, nullptr, key);
-        EVP_DigestSign(context, reinterpret_cast<unsigned char*>(signature.data()), &size,
-            reinterpret_cast<const unsigned char*>(document.data()), document.size());
-        EVP_MD_CTX_free(context);
-        return "Ed25519 " + Base::toBase64(signature) + "\n" + document;
-    }
-
-    EVP_PKEY* key;
-};
-
 const Signer ours('o'), theirs('t');
-
-std::string document(std::string_view version, std::string_view published = "2026-03-01T00:00:00Z")
-{
-    return fmt::format(R"({{"product":"Pallisande","version":"{}","published":"{}",)"
-                       R"("page":"https://pallisande.example/download","notes":"Faster.\nCalmer."}})",
-        version, published);
-}
 
 bool isBelieved(const std::string& file)
 {
@@ -69,7 +31,7 @@ bool isBelieved(const std::string& file)
 
 TEST(UpdateFeed, isBelievedOnlyAsItWasSigned)
 {
-    const auto file = ours.signedFeed(document("1.2"));
+    const auto file = ours.signedFeed(feedDocument("1.2"));
     const auto feed = UpdateFeed::read(file, ours.publicKey());
     EXPECT_EQ(feed.version, "1.2");
     EXPECT_EQ(feed.notes, "Faster.\nCalmer.");
@@ -83,8 +45,8 @@ TEST(UpdateFeed, isBelievedOnlyAsItWasSigned)
         ASSERT_FALSE(isBelieved(file.substr(0, place))) << place;
     }
     EXPECT_FALSE(isBelieved(file + "\n"));
-    EXPECT_FALSE(isBelieved(theirs.signedFeed(document("1.2"))));
-    EXPECT_FALSE(isBelieved(document("1.2")));
+    EXPECT_FALSE(isBelieved(theirs.signedFeed(feedDocument("1.2"))));
+    EXPECT_FALSE(isBelieved(feedDocument("1.2")));
     for (const std::string key : { "", "AAAA", "no Base64" })
         EXPECT_THROW(UpdateFeed::read(file, key), UpdateFeedError) << key;
 }
@@ -92,7 +54,7 @@ TEST(UpdateFeed, isBelievedOnlyAsItWasSigned)
 TEST(UpdateFeed, mustBeOneOfOursEvenWhenSigned)
 {
     const auto with = [](std::string key, std::string value) {
-        auto text = document("1.2");
+        auto text = feedDocument("1.2");
         const auto start = text.find("\"" + key + "\":\"") + key.size() + 4;
         return ours.signedFeed(text.replace(start, text.find('"', start) - start, value));
     };
@@ -121,22 +83,6 @@ TEST(AppVersion, isComparedNumberByNumber)
     EXPECT_EQ(AppVersion::parse("1.2"), AppVersion::parse("1.2.0.0"));
 }
 
-// Answers at once, when told to.
-struct FakeNetwork final : Network {
-    void fetch(const Base::DownloadRequest& request, std::function<void(Base::DownloadResult)> done) override
-    {
-        requests.push_back(request);
-        waiting = std::move(done);
-    }
-    void answer(const std::string& body)
-    {
-        std::exchange(waiting, {})({ .end = Base::DownloadResult::End::done, .status = 200, .body = body });
-    }
-
-    std::vector<Base::DownloadRequest> requests;
-    std::function<void(Base::DownloadResult)> waiting;
-};
-
 class UpdateCheckTest : public testing::Test {
 protected:
     std::unique_ptr<UpdateCheck> makeCheck(
@@ -159,7 +105,7 @@ protected:
     }
     Case answeredFeed(std::string_view version, std::string_view published)
     {
-        return answered(ours.signedFeed(document(version, published))).kind;
+        return answered(ours.signedFeed(feedDocument(version, published))).kind;
     }
     bool isFetchedWhenDue()
     {
@@ -170,12 +116,12 @@ protected:
 
     Base::Instant now = instant("2026-03-09T12:00:00Z");
     MemoryPreferences preferences;
-    FakeNetwork network;
+    ::Test::FakeNetwork network;
 };
 
 TEST_F(UpdateCheckTest, byHandAlwaysSaysHowItCameOut)
 {
-    const auto feed = ours.signedFeed(document("1.2"));
+    const auto feed = ours.signedFeed(feedDocument("1.2"));
     const auto current = answered(feed);
     EXPECT_EQ(current.kind, Case::upToDate);
     EXPECT_EQ(current.title, "You’re up to date");
@@ -211,7 +157,7 @@ TEST_F(UpdateCheckTest, anOldFeedBroughtBackIsNotBelieved)
     EXPECT_EQ(answeredFeed("1.3", "2026-02-01T00:00:00Z"), Case::failed);
     EXPECT_EQ(answeredFeed("1.3", "2026-03-02T00:00:00Z"), Case::failed);
     EXPECT_EQ(answeredFeed("1.4", "2026-02-28T00:00:00Z"), Case::failed);
-    EXPECT_EQ(answered(theirs.signedFeed(document("9", "2027-01-01T00:00:00Z"))).kind, Case::failed);
+    EXPECT_EQ(answered(theirs.signedFeed(feedDocument("9", "2027-01-01T00:00:00Z"))).kind, Case::failed);
     EXPECT_EQ(answeredFeed("1.5", "2026-03-02T00:00:00Z"), Case::found);
     preferences.texts["updates"] = "{damaged";
     EXPECT_EQ(answeredFeed("1.2", "2026-01-01T00:00:00Z"), Case::upToDate);
@@ -234,8 +180,8 @@ TEST_F(UpdateCheckTest, onItsOwnTellsOnlyOfANewerVersion)
 {
     const auto check = makeCheck("1.2");
     std::vector<std::string> told;
-    for (const std::string& body :
-        { std::string("garbage"), ours.signedFeed(document("1.2")), ours.signedFeed(document("1.3")) }) {
+    for (const std::string& body : { std::string("garbage"), ours.signedFeed(feedDocument("1.2")),
+             ours.signedFeed(feedDocument("1.3")) }) {
         check->checkIfDue([&](const UpdateResult& result) { told.push_back(result.feed.version); });
         network.answer(body);
         now = now.plusMilliseconds(86'400'000);
@@ -259,7 +205,7 @@ TEST_F(UpdateCheckTest, isForgottenWithTheCheck)
     check->checkByHand([](const UpdateResult&) { FAIL(); });
     check.reset();
     EXPECT_TRUE(network.requests.back().cancel.stop_requested());
-    network.answer(ours.signedFeed(document("1.3")));
+    network.answer(ours.signedFeed(feedDocument("1.3")));
 }
 
 TEST(SignUpdateFeed, makesFeedsThatAreBelieved)

@@ -28,8 +28,11 @@ struct WindowWorld : World {
 
     Pallisande::MainWindow& show(Pallisande::AppModel& shown)
     {
-        window = std::make_unique<Pallisande::MainWindow>(
-            shown, Pallisande::WindowServices { .theme = themeController(), .updates = updates });
+        window = std::make_unique<Pallisande::MainWindow>(shown,
+            Pallisande::WindowServices { .theme = themeController(),
+                .updates = updates,
+                .openAddress
+                = [this](const QString& address) { openedAddresses.push_back(address.toStdString()); } });
         window->resize(Pallisande::MainWindow::usualWidth, Pallisande::MainWindow::usualHeight);
         window->show();
         QApplication::setActiveWindow(window.get());

@@ -17,7 +17,7 @@ ClientHeader::ClientHeader(AppModel&, Commands& commands, QWidget* parent)
     , m_archived(new ChipLabel(archivedChip(), this))
 {
     m_name->setObjectName(QStringLiteral("clientTitle"));
-    auto* job = makeButton(tr("New Job"), Icon::plus, ButtonKind::plain, this);
+    auto* job = makeButton(QStringLiteral("New Job"), Icon::plus, ButtonKind::plain, this);
     auto* action = commands.action(Command::newJob);
     const auto follow = [job, action] {
         job->setEnabled(action->isEnabled());
@@ -28,8 +28,8 @@ ClientHeader::ClientHeader(AppModel&, Commands& commands, QWidget* parent)
     follow();
     auto* more = new QToolButton(this);
     more->setText(QStringLiteral("⋯"));
-    more->setAccessibleName(tr("More"));
-    more->setToolTip(tr("More"));
+    more->setAccessibleName(QStringLiteral("More"));
+    more->setToolTip(QStringLiteral("More"));
     more->setObjectName(QStringLiteral("clientMenu"));
     more->setFocusPolicy(Qt::TabFocus);
     more->setPopupMode(QToolButton::InstantPopup);
@@ -55,9 +55,9 @@ void ClientHeader::show(const Client& client)
 
 QString clientTitle(const std::string& name)
 {
-    return name.empty() ? QObject::tr("Unnamed client") : qt(name);
+    return name.empty() ? QStringLiteral("Unnamed client") : qt(name);
 }
 
-Chip archivedChip() { return { Tone::grey, Icon::archive, QObject::tr("Archived") }; }
+Chip archivedChip() { return { Tone::grey, Icon::archive, QStringLiteral("Archived") }; }
 
 } // namespace Pallisande

@@ -62,21 +62,24 @@ ClientsPage::ClientsPage(const ScreenServices& services, QWidget* parent)
     , m_header(new ClientHeader(model(), commands(), m_page))
     , m_sort(new ComboBox(this))
 {
-    setNothingSelected(tr("Select a client to see its rates and weights."));
+    setNothingSelected(QStringLiteral("Select a client to see its rates and weights."));
     list()->setContextMenu(
         { Command::newClient, Command::newJob, std::nullopt, Command::archiveClient, Command::deleteClient });
     addCards();
     setDetail(m_page);
     auto* empty = new EmptyPage(Icon::person,
-        tr("No clients yet. A client holds the rates, weights, tax and terms that price its jobs."), this);
-    auto* add = empty->addButton(tr("New Client"), ButtonKind::primary);
+        QStringLiteral(
+            "No clients yet. A client holds the rates, weights, tax and terms that price its jobs."),
+        this);
+    auto* add = empty->addButton(QStringLiteral("New Client"), ButtonKind::primary);
     add->setObjectName(QStringLiteral("firstClient"));
     connect(add, &QPushButton::clicked, commands().action(Command::newClient), &QAction::trigger);
     setEmptyPage(empty);
     addFoot();
 
-    m_sort->addItems({ tr("By name"), tr("By open jobs"), tr("By last job"), tr("By outstanding amount") });
-    m_sort->setAccessibleName(tr("Sort by"));
+    m_sort->addItems({ QStringLiteral("By name"), QStringLiteral("By open jobs"),
+        QStringLiteral("By last job"), QStringLiteral("By outstanding amount") });
+    m_sort->setAccessibleName(QStringLiteral("Sort by"));
     m_sort->setObjectName(QStringLiteral("clientSort"));
     m_sort->setCurrentIndex(std::clamp(std::atoi(view().text(sortKey).value_or("0").c_str()), 0, 3));
     model().clients().setSort(static_cast<ClientSort>(m_sort->currentIndex()));
@@ -97,9 +100,9 @@ ClientsPage::ClientsPage(const ScreenServices& services, QWidget* parent)
     refreshFoot();
 }
 
-QString ClientsPage::title() const { return tr("Clients"); }
+QString ClientsPage::title() const { return QStringLiteral("Clients"); }
 std::vector<QWidget*> ClientsPage::filters() const { return { m_sort }; }
-QString ClientsPage::searchHint() const { return tr("Search clients"); }
+QString ClientsPage::searchHint() const { return QStringLiteral("Search clients"); }
 std::string ClientsPage::countText() const { return model().clients().countText(); }
 bool ClientsPage::hasRecords() const { return !model().library().clients.empty(); }
 
@@ -132,10 +135,10 @@ void ClientsPage::refreshFoot()
     const auto count = model().clients().archivedCount();
     const bool shows = model().clients().showsArchived();
     m_foot->setVisible(count > 0);
-    m_archived->setText(tr("Archived (%1)").arg(count));
+    m_archived->setText(QStringLiteral("Archived (%1)").arg(count));
     m_archived->setIcon(themedIcon(shows ? Icon::chevronDown : Icon::chevronRight));
-    m_archived->setAccessibleName(
-        shows ? tr("Hide %1 archived clients").arg(count) : tr("Show %1 archived clients").arg(count));
+    m_archived->setAccessibleName(shows ? QStringLiteral("Hide %1 archived clients").arg(count)
+                                        : QStringLiteral("Show %1 archived clients").arg(count));
     if (view().flag(archivedKey) != shows)
         view().setFlag(archivedKey, shows);
 }

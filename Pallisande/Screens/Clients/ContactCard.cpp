@@ -34,19 +34,19 @@ const CodeBox::Choices& zones()
 } // namespace
 
 ContactCard::ContactCard(AppModel& model, QWidget* parent)
-    : ClientCard(model, tr("Contact"), parent)
+    : ClientCard(model, QStringLiteral("Contact"), parent)
 {
     auto* form = new FormLayout(this);
     content()->addWidget(form);
-    m_name = addText(*form, tr("Name"), "Change Name", &Client::name);
+    m_name = addText(*form, QStringLiteral("Name"), "Change Name", &Client::name);
     m_name->setObjectName(QStringLiteral("clientName"));
-    addText(*form, tr("Contact"), "Change Contact", &Client::contact);
-    addText(*form, tr("Email"), "Change Email", &Client::email);
-    addArea(*form, tr("Address"), "Change Address", &Client::address);
-    addText(*form, tr("VAT or tax number"), "Change Tax Number", &Client::taxID);
+    addText(*form, QStringLiteral("Contact"), "Change Contact", &Client::contact);
+    addText(*form, QStringLiteral("Email"), "Change Email", &Client::email);
+    addArea(*form, QStringLiteral("Address"), "Change Address", &Client::address);
+    addText(*form, QStringLiteral("VAT or tax number"), "Change Tax Number", &Client::taxID);
     m_zone = new CodeBox(zones(), form);
     m_zone->setObjectName(QStringLiteral("clientZone"));
-    m_zoneNote = form->addRow(tr("Time zone"), m_zone);
+    m_zoneNote = form->addRow(QStringLiteral("Time zone"), m_zone);
     m_time = new Label(form, TextStyle::small, Ink::muted);
     m_time->setObjectName(QStringLiteral("clientTime"));
     form->addBelow(m_time);
@@ -60,9 +60,9 @@ void ContactCard::refresh(const Client& client)
 {
     m_zone->setCode(qt(client.timeZone));
     const bool isKnown = Base::Calendar::named(client.timeZone).has_value();
-    m_zoneNote->showProblem(isKnown
-            ? QString()
-            : tr("“%1” isn’t a known time zone; this computer’s is used.").arg(qt(client.timeZone)));
+    m_zoneNote->showProblem(isKnown ? QString()
+                                    : QStringLiteral("“%1” isn’t a known time zone; this computer’s is used.")
+                                          .arg(qt(client.timeZone)));
     showTime();
 }
 
@@ -76,8 +76,9 @@ void ContactCard::showTime()
     const auto [now, here] = model().moment();
     const auto time = qt(model().formats().time(there->components(now)));
     const auto today = here.day(now), day = there->day(now);
-    m_time->setText(day == today ? tr("now %1 there").arg(time)
-                                 : tr("now %1 there, on %2").arg(time, qt(Formats::weekDay(day, today))));
+    m_time->setText(day == today
+            ? QStringLiteral("now %1 there").arg(time)
+            : QStringLiteral("now %1 there, on %2").arg(time, qt(Formats::weekDay(day, today))));
 }
 
 } // namespace Pallisande

@@ -21,7 +21,7 @@ constexpr int linesOfRate = 3; // The third is the note’s.
 
 QString notBelowZero(const Base::Decimal& value)
 {
-    return value.isNegative() ? QObject::tr("A rate can’t be below zero.") : QString();
+    return value.isNegative() ? QStringLiteral("A rate can’t be below zero.") : QString();
 }
 
 } // namespace
@@ -31,19 +31,20 @@ PairRates::PairRates(AppModel& model, ClientEdit edit, QWidget* parent)
     , m_model(model)
     , m_edit(std::move(edit))
     , m_grid(new QGridLayout)
-    , m_add(makeButton(tr("Add a Rate"), Icon::plus, ButtonKind::plain, this))
+    , m_add(makeButton(QStringLiteral("Add a Rate"), Icon::plus, ButtonKind::plain, this))
 {
     m_grid->setContentsMargins(0, 0, 0, 0);
     m_grid->setHorizontalSpacing(Space::small);
     m_grid->setVerticalSpacing(Space::tiny);
-    for (const auto& text : { tr("Source"), tr("Target"), tr("Rate"), tr("Minimum fee") })
+    for (const auto& text : { QStringLiteral("Source"), QStringLiteral("Target"), QStringLiteral("Rate"),
+             QStringLiteral("Minimum fee") })
         m_heads.push_back(new Label(text, this, TextStyle::tableHead, Ink::muted));
     m_add->setObjectName(QStringLiteral("addPairRate"));
     marksChange(m_add);
     auto* box = new QVBoxLayout(this);
     box->setContentsMargins(0, 0, 0, 0);
     box->setSpacing(Space::small);
-    box->addWidget(new Label(tr("Rates for language pairs"), this, TextStyle::bodyStrong));
+    box->addWidget(new Label(QStringLiteral("Rates for language pairs"), this, TextStyle::bodyStrong));
     box->addLayout(m_grid);
     box->addWidget(m_add, 0, Qt::AlignLeft);
     connect(m_add, &QPushButton::clicked, this, &PairRates::add);
@@ -136,13 +137,13 @@ PairRates::Row& PairRates::addRow()
     row.arrow = new Label(QStringLiteral("→"), this, TextStyle::body, Ink::muted);
     row.rate = new DecimalEdit(QLocale::system(), this);
     row.minimum = new DecimalEdit(QLocale::system(), this);
-    row.remove = makeIconButton(Icon::trash, tr("Remove this rate"), this);
+    row.remove = makeIconButton(Icon::trash, QStringLiteral("Remove this rate"), this);
     row.note = new FieldNote(row.source, this);
     const auto number = at + 1;
-    row.source->setAccessibleName(tr("Source language of rate %1").arg(number));
-    row.target->setAccessibleName(tr("Target language of rate %1").arg(number));
-    row.rate->setAccessibleName(tr("Rate %1").arg(number));
-    row.minimum->setAccessibleName(tr("Minimum fee of rate %1").arg(number));
+    row.source->setAccessibleName(QStringLiteral("Source language of rate %1").arg(number));
+    row.target->setAccessibleName(QStringLiteral("Target language of rate %1").arg(number));
+    row.rate->setAccessibleName(QStringLiteral("Rate %1").arg(number));
+    row.minimum->setAccessibleName(QStringLiteral("Minimum fee of rate %1").arg(number));
     if (at == 0) // One completer for all rows.
         completeLanguages(row.source, m_model);
     for (auto* language : { row.source, row.target }) {
@@ -188,12 +189,13 @@ void PairRates::showRow(std::size_t at, const Client& client)
     row.rate->setValue(shown.rate);
     row.minimum->setCurrency(qt(client.currency));
     row.minimum->setPlaceholderText(
-        tr("client’s (%1)").arg(qt(m_model.formats().amount(client.minimumFee, client.currency))));
+        QStringLiteral("client’s (%1)")
+            .arg(qt(m_model.formats().amount(client.minimumFee, client.currency))));
     row.minimum->setValue(shown.minimumFee);
     const bool isListed
         = std::any_of(client.rates.begin(), client.rates.begin() + static_cast<std::ptrdiff_t>(at),
             [&](const ClientRate& above) { return above.pair.matches(shown.pair); });
-    row.remark = isListed ? tr("This pair is listed above; the first rate is used.") : QString();
+    row.remark = isListed ? QStringLiteral("This pair is listed above; the first rate is used.") : QString();
     showNote(row);
 }
 

@@ -27,9 +27,9 @@ QString quotedJobs(const AppModel& model, const ClientSection::IDs& jobs)
             names += QStringLiteral("“%1”").arg(qt(jobTitle(*job)));
     }
     if (count > mostNamed)
-        names += QObject::tr("%1 more").arg(count - mostNamed);
+        names += QStringLiteral("%1 more").arg(count - mostNamed);
     const auto last = names.isEmpty() ? QString() : names.takeLast();
-    return names.isEmpty() ? last : QObject::tr("%1 and %2").arg(names.join(QStringLiteral(", ")), last);
+    return names.isEmpty() ? last : QStringLiteral("%1 and %2").arg(names.join(QStringLiteral(", ")), last);
 }
 
 } // namespace
@@ -40,7 +40,7 @@ PriceStrip::PriceStrip(AppModel& model, Restore restore, QWidget* parent)
     , m_restore(std::move(restore))
     , m_sentence(makeSentence({}, this))
     , m_keep(makeButton({}, ButtonKind::plain, this))
-    , m_dismiss(makeIconButton(Icon::cross, tr("Dismiss"), this))
+    , m_dismiss(makeIconButton(Icon::cross, QStringLiteral("Dismiss"), this))
 {
     m_sentence->setObjectName(QStringLiteral("priceEffect"));
     m_keep->setObjectName(QStringLiteral("keepRates"));
@@ -69,11 +69,12 @@ void PriceStrip::show(const Client& client)
     if (effect.jobs.empty())
         return hide();
     const auto count = static_cast<int>(effect.jobs.size());
-    auto sentence = count == 1 ? tr("1 job that isn’t invoiced yet has another price now.")
-                               : tr("%1 jobs that aren’t invoiced yet have another price now.").arg(count);
+    auto sentence = count == 1
+        ? QStringLiteral("1 job that isn’t invoiced yet has another price now.")
+        : QStringLiteral("%1 jobs that aren’t invoiced yet have another price now.").arg(count);
     if (effect.quoted > 0)
-        sentence += tr(" A quote was given for %1.").arg(quotedJobs(m_model, effect.jobs));
-    m_keep->setText(count == 1 ? tr("Keep Its Old Rate") : tr("Keep Their Old Rate"));
+        sentence += QStringLiteral(" A quote was given for %1.").arg(quotedJobs(m_model, effect.jobs));
+    m_keep->setText(count == 1 ? QStringLiteral("Keep Its Old Rate") : QStringLiteral("Keep Their Old Rate"));
     const bool isNew = isHidden() || m_sentence->text() != sentence;
     m_sentence->setText(sentence);
     // A rate of another unit or currency would mean something else.

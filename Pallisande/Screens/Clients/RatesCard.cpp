@@ -23,7 +23,7 @@ void restoreRates(Client& client, const Client& before)
 } // namespace
 
 RatesCard::RatesCard(AppModel& model, QWidget* parent)
-    : ClientCard(model, tr("Rates"), parent)
+    : ClientCard(model, QStringLiteral("Rates"), parent)
     , m_currency(new CodeBox(currencyChoices()))
     , m_unit(new ComboBox)
     , m_basis(new ComboBox)
@@ -37,13 +37,13 @@ RatesCard::RatesCard(AppModel& model, QWidget* parent)
     content()->addWidget(m_strip);
     content()->addWidget(form);
     m_currency->setObjectName(QStringLiteral("clientCurrency"));
-    form->addRow(tr("Currency"), m_currency);
-    m_unit->addItems({ tr("Word"), tr("Character") });
+    form->addRow(QStringLiteral("Currency"), m_currency);
+    m_unit->addItems({ QStringLiteral("Word"), QStringLiteral("Character") });
     m_unit->setObjectName(QStringLiteral("clientUnit"));
-    form->addRow(tr("Rate per"), m_unit);
+    form->addRow(QStringLiteral("Rate per"), m_unit);
     m_basis->addItems({ {}, {} });
     m_basis->setObjectName(QStringLiteral("clientBasis"));
-    form->addRow(tr("Count"), m_basis);
+    form->addRow(QStringLiteral("Count"), m_basis);
     auto* rate = new QWidget(form);
     auto* line = new QHBoxLayout(rate);
     line->setContentsMargins(0, 0, 0, 0);
@@ -53,14 +53,14 @@ RatesCard::RatesCard(AppModel& model, QWidget* parent)
     m_rate->setObjectName(QStringLiteral("clientRate"));
     m_rate->setPlaces(2);
     m_rate->setCheck([](const Base::Decimal& value) {
-        return value.isNegative() ? tr("A rate can’t be below zero.") : QString();
+        return value.isNegative() ? QStringLiteral("A rate can’t be below zero.") : QString();
     });
-    form->addRow(tr("Rate"), rate);
+    form->addRow(QStringLiteral("Rate"), rate);
     m_minimum->setObjectName(QStringLiteral("clientMinimum"));
     m_minimum->setCheck([](const Base::Decimal& value) {
-        return value.isNegative() ? tr("A minimum fee can’t be below zero.") : QString();
+        return value.isNegative() ? QStringLiteral("A minimum fee can’t be below zero.") : QString();
     });
-    form->addRow(tr("Minimum fee"), m_minimum);
+    form->addRow(QStringLiteral("Minimum fee"), m_minimum);
     m_pairs = new PairRates(
         model,
         [this](const QWidget* field, const std::string& step, const auto& change) {
@@ -97,19 +97,20 @@ void RatesCard::refresh(const Client& client)
     const auto currency = qt(client.currency);
     m_currency->setCode(currency);
     m_unit->setCurrentIndex(isByWord ? 0 : 1);
-    m_basis->setItemText(0, isByWord ? tr("Source words") : tr("Source characters"));
-    m_basis->setItemText(1, isByWord ? tr("Target words") : tr("Target characters"));
+    m_basis->setItemText(0, isByWord ? QStringLiteral("Source words") : QStringLiteral("Source characters"));
+    m_basis->setItemText(1, isByWord ? QStringLiteral("Target words") : QStringLiteral("Target characters"));
     m_basis->setCurrentIndex(client.basis == WordBasis::source ? 0 : 1);
     m_rate->setUnit(currency);
     m_rate->setValue(client.defaultRate);
-    m_per->setText(isByWord ? tr("%1 per word").arg(currency) : tr("%1 per character").arg(currency));
+    m_per->setText(isByWord ? QStringLiteral("%1 per word").arg(currency)
+                            : QStringLiteral("%1 per character").arg(currency));
     m_rate->setAccessibleDescription(m_per->text());
     m_minimum->setCurrency(currency);
     m_minimum->setValue(client.minimumFee);
     QStringList drafts;
     for (const auto& [code, count] : model().clients().otherDraftCurrencies(client.id))
-        drafts += count == 1 ? tr("1 draft stays in %1.").arg(qt(code))
-                             : tr("%1 drafts stay in %2.").arg(count).arg(qt(code));
+        drafts += count == 1 ? QStringLiteral("1 draft stays in %1.").arg(qt(code))
+                             : QStringLiteral("%1 drafts stay in %2.").arg(count).arg(qt(code));
     m_drafts->setText(drafts.join(QLatin1Char(' ')));
     m_drafts->setVisible(!drafts.isEmpty());
     m_pairs->show(client);

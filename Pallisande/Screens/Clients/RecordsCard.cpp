@@ -8,14 +8,14 @@
 namespace Pallisande {
 
 RecordsCard::RecordsCard(AppModel& model, QWidget* parent)
-    : ClientCard(model, tr("Jobs and invoices"), parent)
+    : ClientCard(model, QStringLiteral("Jobs and invoices"), parent)
     , m_outstanding(makeSentence({}, this, TextStyle::bodyStrong))
 {
     m_outstanding->setObjectName(QStringLiteral("outstanding"));
     content()->addWidget(m_outstanding);
-    add(m_jobs, tr("Last jobs"), tr("No jobs yet."));
+    add(m_jobs, QStringLiteral("Last jobs"), QStringLiteral("No jobs yet."));
     content()->addSpacing(Space::tiny);
-    add(m_invoices, tr("Last invoices"), tr("No invoices yet."));
+    add(m_invoices, QStringLiteral("Last invoices"), QStringLiteral("No invoices yet."));
 }
 
 void RecordsCard::add(Links& links, const QString& heading, const QString& empty)
@@ -36,7 +36,7 @@ void RecordsCard::refresh(const Client& client)
     QStringList sums;
     for (const auto& [currency, sum] : model().clients().figures(client.id).outstanding)
         sums += qt(formats.money(sum, currency));
-    m_outstanding->setText(tr("Outstanding: %1").arg(sums.join(QStringLiteral(", "))));
+    m_outstanding->setText(QStringLiteral("Outstanding: %1").arg(sums.join(QStringLiteral(", "))));
     m_outstanding->setVisible(!sums.isEmpty());
 
     auto jobs = model().clients().recentJobs(client.id);

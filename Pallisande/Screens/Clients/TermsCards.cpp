@@ -12,7 +12,7 @@ constexpr std::int64_t mostDaysToPay = 3650;
 } // namespace
 
 TaxCard::TaxCard(AppModel& model, QWidget* parent)
-    : ClientCard(model, tr("Tax and payment"), parent)
+    : ClientCard(model, QStringLiteral("Tax and payment"), parent)
     , m_percent(new DecimalEdit(QLocale::system()))
     , m_days(new CountEdit(QLocale::system()))
 {
@@ -21,21 +21,23 @@ TaxCard::TaxCard(AppModel& model, QWidget* parent)
     m_percent->setUnit(QStringLiteral("%"));
     m_percent->setObjectName(QStringLiteral("taxPercent"));
     m_percent->setCheck([](const Base::Decimal& percent) {
-        return percent.isNegative() ? tr("A tax can’t be below zero.") : QString();
+        return percent.isNegative() ? QStringLiteral("A tax can’t be below zero.") : QString();
     });
-    form->addRow(tr("Tax %"), m_percent);
-    addText(*form, tr("Tax name"), "Change Tax Name", &Client::taxLabel)
-        ->setPlaceholderText(tr("For example: VAT"));
-    addArea(*form, tr("Tax note"), "Change Tax Note", &Client::taxNote)
-        ->setPlaceholderText(tr("For example: Reverse charge, VAT to be accounted for by the recipient."));
+    form->addRow(QStringLiteral("Tax %"), m_percent);
+    addText(*form, QStringLiteral("Tax name"), "Change Tax Name", &Client::taxLabel)
+        ->setPlaceholderText(QStringLiteral("For example: VAT"));
+    addArea(*form, QStringLiteral("Tax note"), "Change Tax Note", &Client::taxNote)
+        ->setPlaceholderText(
+            QStringLiteral("For example: Reverse charge, VAT to be accounted for by the recipient."));
     m_days->setRange(0, mostDaysToPay);
     m_days->setObjectName(QStringLiteral("paymentDays"));
-    form->addRow(tr("Days to pay"), m_days);
-    m_terms = addArea(*form, tr("Payment terms"), "Change Payment Terms", &Client::paymentTerms);
+    form->addRow(QStringLiteral("Days to pay"), m_days);
+    m_terms = addArea(*form, QStringLiteral("Payment terms"), "Change Payment Terms", &Client::paymentTerms);
     content()->addSpacing(Space::tiny);
     content()->addWidget(makeSentence(
-        tr("Pallisande makes PDF invoices, not structured e-invoices (XRechnung, ZUGFeRD, Factur-X), and "
-           "applies only the tax percentage you type."),
+        QStringLiteral(
+            "Pallisande makes PDF invoices, not structured e-invoices (XRechnung, ZUGFeRD, Factur-X), and "
+            "applies only the tax percentage you type."),
         this, TextStyle::small, Ink::muted));
 
     connect(m_percent, &LineField::committed, this, [this] {
@@ -54,11 +56,11 @@ void TaxCard::refresh(const Client& client)
 }
 
 NotesCard::NotesCard(AppModel& model, QWidget* parent)
-    : ClientCard(model, tr("Notes"), parent)
+    : ClientCard(model, QStringLiteral("Notes"), parent)
 {
     auto* notes = new TextArea(this);
-    notes->setAccessibleName(tr("Notes"));
-    notes->setPlaceholderText(tr("For you alone: nothing here is printed."));
+    notes->setAccessibleName(QStringLiteral("Notes"));
+    notes->setPlaceholderText(QStringLiteral("For you alone: nothing here is printed."));
     content()->addWidget(notes);
     bind(notes, "Change Notes", &Client::notes);
 }

@@ -85,17 +85,18 @@ private:
 };
 
 WeightsCard::WeightsCard(AppModel& model, QWidget* parent)
-    : ClientCard(model, tr("Weights"), parent)
-    , m_presets(makeButton(tr("Presets"), ButtonKind::plain, this))
+    : ClientCard(model, QStringLiteral("Weights"), parent)
+    , m_presets(makeButton(QStringLiteral("Presets"), ButtonKind::plain, this))
     , m_same(makeSentence({}, this, TextStyle::body, Ink::muted))
-    , m_raised(new Label(tr("billed at 100%"), this, TextStyle::small, Ink::muted))
+    , m_raised(new Label(QStringLiteral("billed at 100%"), this, TextStyle::small, Ink::muted))
     , m_floor(new QCheckBox(this))
 {
     m_strip = new PriceStrip(
         model, [](Client& client, const Client& before) { client.weights = before.weights; }, this);
-    content()->addWidget(makeSentence(tr("There’s no standard table: these are the shares you agreed with "
-                                         "this client. The presets are only examples."),
-        this, TextStyle::body, Ink::muted));
+    content()->addWidget(
+        makeSentence(QStringLiteral("There’s no standard table: these are the shares you agreed with "
+                                    "this client. The presets are only examples."),
+            this, TextStyle::body, Ink::muted));
     auto* menu = new QMenu(m_presets);
     for (const auto preset : presets) {
         menu->addAction(qt(label(preset)), this, [this, preset] {
@@ -126,7 +127,8 @@ WeightsCard::WeightsCard(AppModel& model, QWidget* parent)
 
 void WeightsCard::addFloor()
 {
-    auto* text = new CheckText(tr("75% floor: bill matches under 75% as new words"), m_floor, this);
+    auto* text
+        = new CheckText(QStringLiteral("75% floor: bill matches under 75% as new words"), m_floor, this);
     auto* line = new QHBoxLayout;
     line->setSpacing(Space::small);
     line->addWidget(m_floor, 0, Qt::AlignTop);
@@ -146,7 +148,7 @@ void WeightsCard::addRow(FormLayout& form, MatchBand band)
     row.percent->setWidthInCharacters(percentWidth);
     const auto name = caseNames(band)[static_cast<std::size_t>(band)];
     row.percent->setObjectName(QStringLiteral("weight.%1").arg(qt(name)));
-    row.percent->setAccessibleDescription(tr("Percent of the full rate"));
+    row.percent->setAccessibleDescription(QStringLiteral("Percent of the full rate"));
     row.bar = new ShareBar(band, line);
     box->addWidget(row.percent);
     box->addWidget(new Label(QStringLiteral("%"), line, TextStyle::body, Ink::muted));
@@ -167,7 +169,7 @@ void WeightsCard::refresh(const Client& client)
 {
     const auto& weights = client.weights;
     const auto preset = weights.matchingPreset();
-    m_same->setText(preset ? tr("Same as the example “%1”").arg(qt(label(*preset))) : QString());
+    m_same->setText(preset ? QStringLiteral("Same as the example “%1”").arg(qt(label(*preset))) : QString());
     m_floor->setChecked(weights.floor75);
     m_raised->setVisible(weights.floor75);
     m_invalid = weights.firstInvalidBand();
@@ -187,7 +189,7 @@ void WeightsCard::showNote(MatchBand band)
     auto& row = m_rows[band];
     auto problem = row.percent->problem();
     if (problem.isEmpty() && band == m_invalid)
-        problem = tr("The weight for %1 must be between 0 and 100%.").arg(qt(label(band)));
+        problem = QStringLiteral("The weight for %1 must be between 0 and 100%.").arg(qt(label(band)));
     setInvalid(row.percent, !problem.isEmpty());
     row.note->showProblem(problem);
 }

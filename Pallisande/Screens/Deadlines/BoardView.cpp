@@ -45,7 +45,7 @@ public:
         case placeholderRole:
             return card.isUntitled;
         case warningRole:
-            return card.hasProblems ? tr("Something is wrong with its price.") : QString();
+            return card.hasProblems ? QStringLiteral("Something is wrong with its price.") : QString();
         case dueRole:
             return qt(card.due);
         case dueHereRole:
@@ -103,7 +103,7 @@ BoardView::BoardView(AppModel& model, Commands& commands, QWidget* parent)
     , m_cards(new BoardModel(this))
 {
     setObjectName(QStringLiteral("board"));
-    setAccessibleName(tr("Deadlines"));
+    setAccessibleName(QStringLiteral("Deadlines"));
     setModel(m_cards);
     setItemDelegate(new CardDelegate(this));
     setFrameShape(QFrame::NoFrame);
@@ -370,7 +370,7 @@ void BoardView::paintHeading(QPainter& painter, const Lane& lane) const
         return;
     painter.setFont(theme.font(TextStyle::body));
     drawLine(painter, area.translated(Space::medium, area.height() + headingGap - Space::tiny),
-        tr("Nothing is due today."));
+        QStringLiteral("Nothing is due today."));
 }
 
 void BoardView::paintEvent(QPaintEvent* event)

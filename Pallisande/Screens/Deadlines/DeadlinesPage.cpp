@@ -24,7 +24,7 @@ class DeadlinesPage final : public SectionPage {
 public:
     DeadlinesPage(const ScreenServices& services, QWidget* parent);
 
-    QString title() const override { return tr("Deadlines"); }
+    QString title() const override { return QStringLiteral("Deadlines"); }
     std::vector<QWidget*> panes() const override { return { m_board, m_delivered, m_inspector }; }
     void focusList() override;
     void focusDetail() override { m_inspector->setFocus(); }
@@ -79,8 +79,9 @@ void DeadlinesPage::build()
 {
     m_whole = new QStackedWidget(this);
     m_noClients = new EmptyPage(Icon::clock,
-        tr("Welcome. Add a client first, then a job for it: its deadline appears here."), m_whole);
-    auto* newClient = m_noClients->addButton(tr("New Client"), ButtonKind::primary);
+        QStringLiteral("Welcome. Add a client first, then a job for it: its deadline appears here."),
+        m_whole);
+    auto* newClient = m_noClients->addButton(QStringLiteral("New Client"), ButtonKind::primary);
     connect(newClient, &QPushButton::clicked, commands().action(Command::newClient), &QAction::trigger);
     m_splitter = new QSplitter(Qt::Horizontal, m_whole);
     m_splitter->setChildrenCollapsible(false);
@@ -89,10 +90,9 @@ void DeadlinesPage::build()
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setWidgetResizable(true);
     m_scroll->setFocusPolicy(Qt::NoFocus);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* page = new QWidget;
-    m_noJobs = new EmptyPage(Icon::check, tr("No open jobs. Enjoy the quiet."), page);
-    auto* newJob = m_noJobs->addButton(tr("New Job"), ButtonKind::plain);
+    m_noJobs = new EmptyPage(Icon::check, QStringLiteral("No open jobs. Enjoy the quiet."), page);
+    auto* newJob = m_noJobs->addButton(QStringLiteral("New Job"), ButtonKind::plain);
     connect(newJob, &QPushButton::clicked, commands().action(Command::newJob), &QAction::trigger);
     m_board = new BoardView(model(), commands(), page);
     m_delivered = new DeliveredCard(model(), page);

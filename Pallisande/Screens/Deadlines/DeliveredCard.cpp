@@ -79,7 +79,7 @@ std::string signature(const DeadlineBoard& board)
 } // namespace
 
 DeliveredCard::DeliveredCard(AppModel& model, QWidget* parent)
-    : Card(tr("Delivered, not invoiced"), parent)
+    : Card(QStringLiteral("Delivered, not invoiced"), parent)
     , m_model(model)
     , m_total(new Label(this))
     , m_groups(new QVBoxLayout)
@@ -114,8 +114,9 @@ void DeliveredCard::refresh()
     for (std::size_t place = 0; place < std::min(board.delivered.size(), mostGroups); ++place)
         m_groups->addWidget(makeGroup(board.delivered[place]));
     if (board.delivered.size() > mostGroups)
-        m_groups->addWidget(new Label(tr("and %1 more clients").arg(board.delivered.size() - mostGroups),
-            this, TextStyle::body, Ink::muted));
+        m_groups->addWidget(
+            new Label(QStringLiteral("and %1 more clients").arg(board.delivered.size() - mostGroups), this,
+                TextStyle::body, Ink::muted));
     m_drafts->setText(qt(board.forgottenDrafts));
     m_drafts->setVisible(!board.forgottenDrafts.empty());
     setVisible(!board.delivered.empty() || !board.forgottenDrafts.empty());
@@ -135,9 +136,9 @@ QWidget* DeliveredCard::makeGroup(const DeliveredGroup& group)
     auto* summary = new ElidedLabel(qt(group.summary), widget, TextStyle::small, Ink::muted);
     head->addWidget(summary, 1);
     head->addWidget(new Label(qt(group.total), widget, TextStyle::bodyStrong));
-    auto* button = makeButton(tr("Make Invoice"), ButtonKind::plain, widget);
+    auto* button = makeButton(QStringLiteral("Make Invoice"), ButtonKind::plain, widget);
     button->setObjectName(QStringLiteral("makeInvoice"));
-    button->setAccessibleName(tr("Make Invoice for %1").arg(qt(group.client)));
+    button->setAccessibleName(QStringLiteral("Make Invoice for %1").arg(qt(group.client)));
     button->setEnabled(m_model.canEdit());
     button->setToolTip(m_model.canEdit() ? QString() : qt(m_model.readOnlyText()));
     connect(button, &QPushButton::clicked, this,
@@ -151,8 +152,8 @@ QWidget* DeliveredCard::makeGroup(const DeliveredGroup& group)
         box->addWidget(line);
     }
     if (group.jobs.size() > mostLines) {
-        auto* more = new Label(
-            tr("and %1 more").arg(group.jobs.size() - mostLines), widget, TextStyle::small, Ink::muted);
+        auto* more = new Label(QStringLiteral("and %1 more").arg(group.jobs.size() - mostLines), widget,
+            TextStyle::small, Ink::muted);
         more->setContentsMargins(Space::large, 0, 0, 0);
         box->addWidget(more);
     }

@@ -15,13 +15,13 @@ JobInspector::JobInspector(AppModel& model, QWidget* parent)
     , m_model(model)
 {
     setObjectName(QStringLiteral("inspector"));
-    setAccessibleName(tr("Inspector"));
+    setAccessibleName(QStringLiteral("Inspector"));
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* page = new QWidget;
-    m_none = makeSentence(tr("Select a card to see its job."), page, TextStyle::body, Ink::muted);
+    m_none = makeSentence(QStringLiteral("Select a card to see its job."), page, TextStyle::body, Ink::muted);
     m_content = new QWidget(page);
     m_title = makeSentence({}, m_content, TextStyle::heading);
     m_subtitle = makeSentence({}, m_content, TextStyle::body, Ink::muted);
@@ -31,7 +31,7 @@ JobInspector::JobInspector(AppModel& model, QWidget* parent)
     m_facts = makeSentence({}, m_content, TextStyle::body, Ink::muted);
     m_notes = makeSentence({}, m_content);
     m_notes->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_open = makeButton(tr("Open Job"), Icon::arrowUpRight, ButtonKind::plain, m_content);
+    m_open = makeButton(QStringLiteral("Open Job"), Icon::arrowUpRight, ButtonKind::plain, m_content);
     m_open->setObjectName(QStringLiteral("openJob"));
     auto* box = new QVBoxLayout(m_content);
     box->setContentsMargins(0, 0, 0, 0);

@@ -91,9 +91,9 @@ InvoicesPage::InvoicesPage(const ScreenServices& services, QWidget* parent)
     , m_client(new ClientBox(services.model, this))
 {
     using C = std::optional<Command>;
-    list()->setContextMenu({ C(Command::openStoredPDF), C(Command::recordPayment), C(Command::payInFull), C(),
-        C(Command::issue), C(Command::makeCreditNote), C(Command::emailClient), C(), C(Command::openClient),
-        C(Command::deleteDraft) });
+    list()->setContextMenu({ C(Command::issue), C(Command::recordPayment), C(Command::payInFull),
+        C(Command::makeCreditNote), C(), C(Command::openStoredPDF), C(Command::emailClient), C(),
+        C(Command::openClient), C(Command::deleteDraft) });
     list()->setDraggedFile([this](const Base::Uuid& id) { return copyOfPDF(id); });
     setDetail(m_detail);
     setFoot(m_foot);
@@ -123,6 +123,10 @@ InvoicesPage::InvoicesPage(const ScreenServices& services, QWidget* parent)
     connect(&model(), &AppModel::listChanged, this, [this](AppSection section) {
         if (section == AppSection::invoices && isVisible())
             refreshFilters();
+    });
+    connect(&model(), &AppModel::unrecordedChanged, this, [this] {
+        if (isVisible())
+            m_foot->refresh();
     });
     const auto refreshDetail = [this] {
         if (isVisible())

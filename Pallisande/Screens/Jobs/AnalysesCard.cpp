@@ -2,6 +2,7 @@
 
 #include "Pallisande/Model/DocumentCounts.h"
 #include "Pallisande/Model/Imports.h"
+#include "Pallisande/Screens/AnalysisFigures.h"
 #include "Pallisande/Screens/Text.h"
 #include "Pallisande/Widgets/ComboBox.h"
 #include "Pallisande/Widgets/FlowLayout.h"

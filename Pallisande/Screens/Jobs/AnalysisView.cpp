@@ -1,5 +1,6 @@
 #include "Pallisande/Screens/Jobs/AnalysisView.h"
 
+#include "Pallisande/Screens/AnalysisFigures.h"
 #include "Pallisande/Screens/Jobs/FiguresTable.h"
 #include "Pallisande/Screens/Text.h"
 #include "Pallisande/Widgets/Chip.h"
@@ -11,36 +12,6 @@
 #include <QVBoxLayout>
 
 namespace Pallisande {
-
-namespace {
-
-// The heads of the bands where nine stand beside each other.
-const QString shortHeads[] { QStringLiteral("Perfect"), QStringLiteral("Context"), QStringLiteral("Reps"),
-    QStringLiteral("100%"), QStringLiteral("95–99"), QStringLiteral("85–94"), QStringLiteral("75–84"),
-    QStringLiteral("50–74"), QStringLiteral("No match") };
-
-const BandMap<std::int64_t>& metricOf(const BandCounts& counts, CountMetric metric)
-{
-    return metric == CountMetric::words   ? counts.words
-        : metric == CountMetric::segments ? counts.segments
-                                          : counts.characters;
-}
-
-std::optional<std::int64_t> statedOf(const AnalysisRow& row, CountMetric metric)
-{
-    return metric == CountMetric::words   ? row.statedWords
-        : metric == CountMetric::segments ? row.statedSegments
-                                          : row.statedCharacters;
-}
-
-} // namespace
-
-QString title(CountMetric metric)
-{
-    return metric == CountMetric::words   ? QStringLiteral("Words")
-        : metric == CountMetric::segments ? QStringLiteral("Segments")
-                                          : QStringLiteral("Characters");
-}
 
 AnalysisView::AnalysisView(AppModel& model, QWidget* parent)
     : QWidget(parent)
@@ -152,7 +123,7 @@ void AnalysisView::show(const Analysis& analysis, CountMetric metric, const QStr
     if (!pair.text().empty())
         summary += qt(pair.text());
     summary += qt(counted(std::ssize(analysis.rows), "file", "files"));
-    summary += qt(formats.count(sum(metricOf(analysis.totals(), metric)))) + QLatin1Char(' ')
+    summary += qt(formats.count(sum(figuresOf(analysis.totals(), metric)))) + QLatin1Char(' ')
         + Pallisande::title(metric).toLower();
     m_summary->setText(summary.join(QStringLiteral(" · ")));
     // The verification of typed and counted numbers says nothing that the source doesn't.
@@ -186,7 +157,7 @@ void AnalysisView::showRows(const Analysis& analysis, CountMetric metric)
     const auto& formats = m_model.formats();
     const auto none = QStringLiteral("–");
     const auto hasStated = std::any_of(analysis.rows.begin(), analysis.rows.end(),
-        [&](const AnalysisRow& row) { return statedOf(row, metric).has_value(); });
+        [&](const AnalysisRow& row) { return statedIn(row, metric).has_value(); });
     // The sums, which tell whether all is there, stand before the bands: those may have to be scrolled to.
     QStringList heads { QStringLiteral("File"), QStringLiteral("Sum") },
         full { QStringLiteral("File"), QStringLiteral("Sum of the bands") };
@@ -197,22 +168,23 @@ void AnalysisView::showRows(const Analysis& analysis, CountMetric metric)
     std::vector<MatchBand> bands; // Those that hold something anywhere.
     const auto totals = analysis.totals();
     for (const auto band : allMatchBands) {
-        if (metricOf(totals, metric).valueOr(band, 0) == 0)
+        if (figuresOf(totals, metric).valueOr(band, 0) == 0)
             continue;
         bands.push_back(band);
-        heads += shortHeads[static_cast<std::size_t>(band)];
+        heads += shortHead(band);
         full += qt(label(band));
     }
     std::vector<FiguresTable::Row> rows;
+    const auto titles = fileTitles(analysis.rows);
     for (const auto& file : analysis.rows) {
-        FiguresTable::Row row { .cells = { { .text = qt(file.file), .toolTip = qt(file.file) } } };
-        const auto& counts = metricOf(file.counts, metric);
+        FiguresTable::Row row { .cells = { { .text = titles[rows.size()], .toolTip = qt(file.file) } } };
+        const auto& counts = figuresOf(file.counts, metric);
         const auto bandSum = sum(counts);
         row.cells.push_back({ .text = qt(formats.count(bandSum)) });
         row.spoken = QStringLiteral("%1, %2 %3")
                          .arg(qt(file.file), qt(formats.count(bandSum)), Pallisande::title(metric).toLower());
         if (hasStated) {
-            const auto stated = statedOf(file, metric);
+            const auto stated = statedIn(file, metric);
             const auto difference = stated ? bandSum - *stated : 0;
             row.cells.push_back({ .text = stated ? qt(formats.count(*stated)) : none });
             row.cells.push_back({ .text = !stated ? none
@@ -227,7 +199,7 @@ void AnalysisView::showRows(const Analysis& analysis, CountMetric metric)
     }
     if (analysis.rows.size() > 1) {
         FiguresTable::Row total { .cells = { { .text = QStringLiteral("Total") } }, .isTotal = true };
-        total.cells.push_back({ .text = qt(formats.count(sum(metricOf(totals, metric)))) });
+        total.cells.push_back({ .text = qt(formats.count(sum(figuresOf(totals, metric)))) });
         if (hasStated && metric == CountMetric::words && analysis.statedTotalWords) {
             const auto difference = sum(totals.words) - *analysis.statedTotalWords;
             total.cells.push_back({ .text = qt(formats.count(*analysis.statedTotalWords)) });
@@ -236,7 +208,7 @@ void AnalysisView::showRows(const Analysis& analysis, CountMetric metric)
             total.cells.resize(total.cells.size() + 2);
         }
         for (const auto band : bands)
-            total.cells.push_back({ .text = qt(formats.count(metricOf(totals, metric).valueOr(band, 0))) });
+            total.cells.push_back({ .text = qt(formats.count(figuresOf(totals, metric).valueOr(band, 0))) });
         rows.push_back(std::move(total));
     }
     m_rows->setAccessibleName(

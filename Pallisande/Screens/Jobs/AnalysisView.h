@@ -14,8 +14,6 @@ class NoteLine;
 class NoteList;
 class TextField;
 
-QString title(CountMetric metric); // "Words"
-
 // One analysis of a job: where its numbers came from, what they are file by file, and what is to be said
 // about them.
 class AnalysisView : public QWidget {

@@ -175,8 +175,9 @@ bool ExtraLineRow::eventFilter(QObject* watched, QEvent* event)
                 emit moveWanted(column, isUp ? -1 : 1);
             return true;
         }
+        // Whoever only walks by leaves the job as it is.
         if (column == unitPrice && m_isLast && key->key() == Qt::Key_Tab && !key->modifiers()
-            && field(unitPrice)->commit() && !isBlank()) {
+            && field(unitPrice)->isPending() && field(unitPrice)->commit() && !isBlank()) {
             emit nextWanted();
             return true;
         }

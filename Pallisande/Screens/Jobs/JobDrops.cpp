@@ -2,14 +2,13 @@
 
 #include "Pallisande/Model/DocumentCounts.h"
 #include "Pallisande/Model/Imports.h"
+#include "Pallisande/Screens/FileKinds.h"
 #include "Pallisande/Screens/Text.h"
-#include "TamberlinKit/Text/FileFormat.h"
 
 #include <QCursor>
 #include <QMenu>
 
 #include <algorithm>
-#include <array>
 
 namespace Pallisande::JobDrops {
 
@@ -17,31 +16,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string extensionOf(const fs::path& file)
-{
-    auto extension = plain(qt(file.extension().string()).toLower());
-    return extension.empty() ? extension : extension.substr(1);
-}
-
-bool isReport(const fs::path& file)
-{
-    constexpr std::array<std::string_view, 5> reports { "xml", "sdlxml", "csv", "tsv", "json" };
-    return std::find(reports.begin(), reports.end(), extensionOf(file)) != reports.end();
-}
-
-bool isDocument(const fs::path& file)
-{
-    std::error_code error;
-    return fs::is_directory(file, error) || Tamberlin::formatOfExtension(extensionOf(file));
-}
-
 enum class Kind { nothing, reports, documents };
 
 Kind kindOf(const Paths& files)
 {
     if (files.empty())
         return Kind::nothing;
-    if (std::all_of(files.begin(), files.end(), isDocument))
+    if (std::all_of(files.begin(), files.end(), isCountable))
         return Kind::documents;
     if (files.size() == 1 || std::all_of(files.begin(), files.end(), isReport))
         return Kind::reports;

@@ -125,8 +125,8 @@ JobsPage::JobsPage(const ScreenServices& services, QWidget* parent)
     layout()->addWidget(new CountingBar(model(), this));
 
     using enum Command;
-    list()->setContextMenu({ statusQuote, statusInProgress, statusDelivered, statusCancelled, statusInvoiced,
-        statusPaid, std::nullopt, importAnalysis, typeCounts, std::nullopt, makeInvoice, std::nullopt,
+    list()->setContextMenu({ statusQuote, statusInProgress, statusDelivered, statusInvoiced, statusPaid,
+        statusCancelled, std::nullopt, importAnalysis, typeCounts, std::nullopt, makeInvoice, std::nullopt,
         duplicateJob, openClient, deleteJob });
     list()->setDrops(
         { .takes = [this](const auto& files, auto id) { return JobDrops::takes(model(), files, id); },
