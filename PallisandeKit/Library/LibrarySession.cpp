@@ -281,6 +281,8 @@ void LibrarySession::save()
         write();
     } catch (const std::system_error& error) {
         throw SessionError(couldNotSave(error.what()));
+    } catch (const Base::NotARegularFile& error) { // Something else stands under the document's name.
+        throw SessionError(couldNotSave(error.what()));
     }
 }
 

@@ -281,6 +281,20 @@ TEST_F(LibrarySessionTest, doesNotMakeAFolderAgainThatWentAway)
     EXPECT_EQ(LibraryStore(path).load(::Test::moment()).library, session.library());
 }
 
+TEST_F(LibrarySessionTest, doesNotWriteWhereSomethingElseHasTheDocumentsName)
+{
+    auto session = open();
+    fs::rename(folder / document, folder / "elsewhere");
+    fs::create_directory(folder / document);
+    rename(session, "Ours");
+    const auto why = failure([&] { session.save(); });
+    EXPECT_TRUE(why.starts_with("Pallisande couldn’t save your library: ")) << why;
+    fs::remove(folder / document);
+    fs::rename(folder / "elsewhere", folder / document);
+    session.save();
+    EXPECT_EQ(onDisk(), session.library());
+}
+
 TEST_F(LibrarySessionTest, keepsEditsWhenAFolderCannotBeWritten)
 {
     if (geteuid() == 0)
