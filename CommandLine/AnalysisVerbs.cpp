@@ -131,18 +131,23 @@ struct AnalysisOptions {
     bool isGuess = false;
 };
 
-ImportResult imported(const std::string& bytes, const std::string& name, const AnalysisOptions& options)
+std::optional<ColumnMapping> mappingOf(const AnalysisOptions& options)
 {
-    const auto now = Base::Instant::now();
     if (options.mapping.empty())
-        return Importer::import(bytes, name, now);
+        return std::nullopt;
     try {
-        const auto mapping = Base::fromJson<ColumnMapping>(Importer::load(options.mapping), {});
-        return Importer::importMapped(bytes, name, mapping, now);
+        return Base::fromJson<ColumnMapping>(Importer::load(options.mapping), {});
     } catch (const Base::DecodingError& error) {
         throw ImportError(fmt::format(
             "“{}” isn’t a mapping of columns: {}", Importer::displayName(options.mapping), error.what()));
     }
+}
+
+ImportResult imported(const std::string& bytes, const std::string& name, const AnalysisOptions& options)
+{
+    const auto now = Base::Instant::now();
+    const auto mapping = mappingOf(options);
+    return mapping ? Importer::importMapped(bytes, name, *mapping, now) : Importer::import(bytes, name, now);
 }
 
 void askForMapping(const Command& command, const NeedsMapping& needed, const AnalysisOptions& options)
@@ -159,8 +164,10 @@ void readAnalysis(Command& command, const AnalysisOptions& options)
     const auto name = Importer::displayName(options.file);
     try {
         const auto bytes = Importer::load(options.file);
-        if (options.isGuess)
-            return Command::put(Base::toJson(Importer::guess(bytes, name).guess));
+        if (options.isGuess) {
+            const auto reading = mappingOf(options).value_or(ColumnMapping()).reading;
+            return Command::put(Base::toJson(Importer::guess(bytes, name, reading).guess));
+        }
         auto result = imported(bytes, name, options);
         if (const auto* const failed = std::get_if<ImportFailed>(&result))
             throw ImportError(failed->message);
@@ -194,11 +201,12 @@ void addAnalysisVerbs(CLI::App& app, Command& command)
     analysis->add_option("FILE", options->file, "The report")->required();
     auto* const attach
         = analysis->add_option("--attach", options->job, "Keep it, with a copy of the report, with this job");
-    auto* const map = analysis->add_option(
+    analysis->add_option(
         "--map", options->mapping, "Read a table whose columns this file (JSON, as --guess prints it) tells");
-    analysis->add_flag("--guess", options->isGuess, "Print a guess at the table’s columns, for --map")
-        ->excludes(attach)
-        ->excludes(map);
+    analysis
+        ->add_flag("--guess", options->isGuess,
+            "Print a guess at the table’s columns, for --map; with --map, by the “reading” that it tells")
+        ->excludes(attach);
     analysis->callback([&command, options] { readAnalysis(command, *options); });
 }
 

@@ -170,6 +170,47 @@ void Imports::mapOtherwise()
     emit m_model.importChanged();
 }
 
+void Imports::readTableAs(const TableReading& reading)
+{
+    struct Rereading {
+        std::string data, name;
+        TableReading reading;
+        MappingTable table;
+        std::string failure;
+
+        void run()
+        {
+            try {
+                table = Importer::guess(data, name, reading);
+            } catch (const std::exception& error) {
+                failure = error.what();
+            }
+        }
+    };
+    if (!m_pending || !m_pending->data || m_isReading)
+        return;
+    const auto another
+        = std::make_shared<Rereading>(Rereading { *m_pending->data, m_pending->fileName, reading, {}, {} });
+    m_isReading = true;
+    m_model.inBackground([another] { another->run(); },
+        [this, another, id = m_pending->id] {
+            m_isReading = false;
+            auto* const asked
+                = m_pending && m_pending->id == id ? std::get_if<NeedsMapping>(&m_pending->result) : nullptr;
+            if (!asked)
+                return;
+            if (another->failure.empty()) {
+                asked->table = std::move(another->table);
+                RememberedMappings(*m_model.services().preferences).offer(asked->table.guess);
+                asked->table.guess.reading = another->reading; // Not that of the mapping from before.
+                ++m_pending->readings;
+            } else {
+                m_model.refuse(another->failure);
+            }
+            emit m_model.importChanged();
+        });
+}
+
 void Imports::preview(const ColumnMapping& mapping, std::function<void(const Preview&)> answer)
 {
     struct Question {

@@ -27,6 +27,7 @@ struct PendingImport {
     std::optional<Base::Uuid> replaces; // An analysis that is mapped again.
     bool isThereAlready = false; // By its name or its bytes: replacing is the likelier wish.
     std::optional<NeedsMapping> mapped; // What the user was asked, and the answer in the place of the guess.
+    std::size_t readings = 0; // How often its table was taken apart otherwise.
 };
 
 // Reports of CAT tools on their way to a job. Files are read and understood off the main thread; several are
@@ -46,6 +47,9 @@ public:
     // What a table's columns hold; a table that can't be read so stays to be mapped.
     void map(const ColumnMapping& mapping);
     void mapOtherwise(); // Back from the analysis to the columns.
+    // Takes the table apart by another delimiter or headings; the guess is made anew. Where that finds no
+    // table, all stays as it was.
+    void readTableAs(const TableReading& reading);
     // What a mapping would give, worked out off the main thread. Only the last question is answered.
     struct Preview {
         std::vector<MappedLabel> labels; // Of the label column, those not spoken of yet with a guess.

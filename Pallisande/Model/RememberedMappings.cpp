@@ -30,7 +30,7 @@ void RememberedMappings::offer(ColumnMapping& guess) const
                 [&](const MappedLabel& other) { return other.label == label.label; }))
             labels.push_back(label);
     }
-    guess = { guess.fingerprint, known->columns, std::move(labels) };
+    guess = { guess.fingerprint, known->columns, std::move(labels), known->reading };
 }
 
 void RememberedMappings::keep(const ColumnMapping& mapping)

@@ -2,8 +2,10 @@
 
 #include "Pallisande/Screens/Text.h"
 #include "Pallisande/Widgets/ComboBox.h"
+#include "Pallisande/Widgets/FlowLayout.h"
 #include "Pallisande/Widgets/Label.h"
 
+#include <QCheckBox>
 #include <QGridLayout>
 #include <QVBoxLayout>
 
@@ -110,15 +112,76 @@ QString samplesOf(const MappingTable& table, std::size_t column)
 MappingForm::MappingForm(const MappingTable& table, QWidget* parent)
     : QWidget(parent)
     , m_mapping(table.guess)
+    , m_delimiter(new ComboBox(this))
+    , m_decimalMark(new ComboBox(this))
+    , m_hasHeadings(new QCheckBox(QStringLiteral("First row holds headings"), this))
     , m_rowsHeading(new Label(QStringLiteral("What the rows hold"), this, TextStyle::bodyStrong))
     , m_rows(nullptr)
 {
     auto* box = new QVBoxLayout(this);
     box->setContentsMargins(0, 0, 0, 0);
     box->setSpacing(Space::medium);
+    addReading();
+    showReading(table);
     addColumns(table);
     box->addWidget(m_rowsHeading);
     showLabels();
+}
+
+void MappingForm::addReading()
+{
+    m_delimiter->setObjectName(QStringLiteral("delimiter"));
+    m_decimalMark->setObjectName(QStringLiteral("decimalMark"));
+    m_hasHeadings->setObjectName(QStringLiteral("hasHeadings"));
+    for (const auto& [text, mark] : { std::pair { "Comma", "," }, std::pair { "Semicolon", ";" },
+             std::pair { "Tab", "\t" }, std::pair { "Bar", "|" } })
+        m_delimiter->addItem(QString::fromUtf8(text), QString::fromUtf8(mark));
+    for (const auto& [text, mark] : { std::pair { "As the numbers tell", "" },
+             std::pair { "Point: 1,234.5", "." }, std::pair { "Comma: 1.234,5", "," } })
+        m_decimalMark->addItem(QString::fromUtf8(text), QString::fromUtf8(mark));
+    auto* line = new QWidget(this);
+    auto* flow = new FlowLayout(line);
+    const auto add = [&](const char* text, ComboBox* box) {
+        auto* pair = new QWidget(line);
+        auto* inside = new QHBoxLayout(pair);
+        inside->setContentsMargins(0, 0, Space::medium, 0);
+        inside->setSpacing(Space::small);
+        auto* label = new Label(QString::fromUtf8(text), pair, TextStyle::body, Ink::muted);
+        label->setBuddy(box);
+        box->setAccessibleName(label->text());
+        inside->addWidget(label);
+        inside->addWidget(box);
+        flow->addWidget(pair);
+    };
+    add("Between cells", m_delimiter);
+    add("Decimal mark", m_decimalMark);
+    flow->addWidget(m_hasHeadings);
+    layout()->addWidget(line);
+
+    connect(m_delimiter, &QComboBox::activated, this, [this] {
+        auto reading = m_mapping.reading;
+        reading.delimiter = plain(m_delimiter->currentData().toString());
+        emit anotherReadingWanted(reading);
+    });
+    connect(m_hasHeadings, &QCheckBox::clicked, this, [this](bool isOn) {
+        auto reading = m_mapping.reading;
+        reading.hasHeadings = isOn;
+        emit anotherReadingWanted(reading);
+    });
+    connect(m_decimalMark, &QComboBox::activated, this, [this] { // The columns stay what they are.
+        m_mapping.reading.decimalMark = plain(m_decimalMark->currentData().toString());
+        emit changed();
+    });
+}
+
+void MappingForm::showReading(const MappingTable& table)
+{
+    const auto delimiter = qt(table.delimiter);
+    if (m_delimiter->findData(delimiter) < 0) // The table's own first line says so.
+        m_delimiter->addItem(delimiter, delimiter);
+    m_delimiter->setCurrentIndex(m_delimiter->findData(delimiter));
+    m_decimalMark->setCurrentIndex(std::max(0, m_decimalMark->findData(qt(m_mapping.reading.decimalMark))));
+    m_hasHeadings->setChecked(table.hasHeadings);
 }
 
 void MappingForm::addColumns(const MappingTable& table)

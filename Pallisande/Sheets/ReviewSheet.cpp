@@ -78,12 +78,17 @@ private:
         if (!isMine())
             return;
         m_default->setEnabled(!imports().isReading());
-        if (m_body && m_shown == pending().result.index()) {
+        const auto* const asked = std::get_if<NeedsMapping>(&pending().result);
+        const std::pair shown { pending().result.index(), pending().readings };
+        if (m_body && m_shown == shown) {
+            if (m_mapping && asked)
+                m_mapping->showReading(asked->table);
             if (const auto& problem = m_model.problem(); problem && problem->isInSheet)
                 showError(qt(problem->text));
             return;
         }
-        m_shown = pending().result.index();
+        m_shown = shown;
+        const auto focused = focusWidget() ? focusWidget()->objectName() : QString();
         delete m_body;
         m_body = new QWidget(this);
         m_mapping = nullptr;
@@ -93,13 +98,12 @@ private:
         box->setSpacing(Space::medium);
         content()->addWidget(m_body);
         const auto* const analysis = std::get_if<Analysis>(&pending().result);
-        const auto* const asked = std::get_if<NeedsMapping>(&pending().result);
         m_back->setVisible(analysis && pending().mapped);
         m_sum->setVisible(asked);
         if (analysis)
             showAnalysis(*analysis, *box);
         else if (asked)
-            showMapping(*asked, *box);
+            showMapping(*asked, *box, focused);
         else
             showFailure(std::get<ImportFailed>(pending().result), *box);
         showError({});
@@ -268,7 +272,8 @@ private:
 
     // --- A table that isn't known
 
-    void showMapping(const NeedsMapping& asked, QVBoxLayout& box)
+    // The focus stays in a field of that name.
+    void showMapping(const NeedsMapping& asked, QVBoxLayout& box, const QString& focused)
     {
         explain(qt(asked.reason));
         m_default->setText(QStringLiteral("Continue"));
@@ -276,8 +281,13 @@ private:
         box.addWidget(m_mapping);
         if (auto* first = m_mapping->firstField()) {
             setFirstField(first);
-            first->setFocus(Qt::OtherFocusReason);
+            auto* const same = focused.isEmpty() ? nullptr : m_mapping->findChild<QWidget*>(focused);
+            (same ? same : first)->setFocus(Qt::OtherFocusReason);
         }
+        // Queued: the form that asks for it is made anew.
+        QObject::connect(
+            m_mapping, &MappingForm::anotherReadingWanted, this,
+            [this](const TableReading& reading) { imports().readTableAs(reading); }, Qt::QueuedConnection);
         QObject::connect(m_mapping, &MappingForm::changed, m_body, [this] {
             showError({});
             sumUp();
@@ -324,7 +334,7 @@ private:
     Label* m_sum;
     QPushButton* m_default;
     QWidget* m_body = nullptr;
-    std::size_t m_shown = 0;
+    std::pair<std::size_t, std::size_t> m_shown;
     MappingForm* m_mapping = nullptr;
     ReviewTable* m_table = nullptr;
     BandBar* m_bar = nullptr;

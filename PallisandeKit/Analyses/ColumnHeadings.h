@@ -14,9 +14,12 @@ struct ColumnHeadings {
 
     std::vector<std::string> names; // Of each column; "Column 3" in a table without headings.
     std::size_t firstRow = 0; // Below them.
+    bool areInTable = false;
 
-    // Nothing when the table holds no counts, or too many columns.
-    static std::optional<ColumnHeadings> find(const DelimitedTable& table);
+    // Nothing when the table holds no counts, or too many columns. Whether its first line holds the headings
+    // may be told.
+    static std::optional<ColumnHeadings> find(
+        const DelimitedTable& table, std::optional<bool> areInFirstLine = std::nullopt);
 
     // The same for the same headings, whatever their blanks, dashes and case.
     std::string fingerprint() const;
@@ -25,12 +28,17 @@ struct ColumnHeadings {
     bool areRepeatedIn(const DelimitedTable::Row& row) const;
 
 private:
+    struct Line;
+    static Line examined(const DelimitedTable::Row& row, std::size_t& left);
+
     struct Key {
         std::size_t column = 0;
         std::string text;
     };
     std::vector<Key> m_keys; // Cells by which repeated headings are known.
 
+    void look(const DelimitedTable& table, const std::vector<Line>& lines);
+    void number(const DelimitedTable& table, std::size_t line);
     void take(const DelimitedTable& table, std::optional<std::size_t> bandLine, std::size_t line);
 };
 

@@ -258,19 +258,27 @@ private:
 
 } // namespace
 
+std::optional<char> TableReading::delimiterMark() const
+{
+    const bool isOne = delimiter.size() == 1 && DelimitedTable::canDelimit(delimiter.front());
+    return isOne ? std::optional(delimiter.front()) : std::nullopt;
+}
+
 std::vector<MappedLabel> labelsOf(const DelimitedTable& table, const ColumnMapping& mapping)
 {
-    auto headings = ColumnHeadings::find(table);
+    auto headings = ColumnHeadings::find(table, mapping.reading.hasHeadings);
     return headings ? Guess(table, *std::move(headings)).labelsOf(mapping) : std::vector<MappedLabel>();
 }
 
-MappingTable guessMapping(const DelimitedTable& table, const std::string& name)
+MappingTable guessMapping(const DelimitedTable& table, const std::string& name, const TableReading& reading)
 {
-    auto headings = ColumnHeadings::find(table);
+    auto headings = ColumnHeadings::find(table, reading.hasHeadings);
     if (!headings)
         throw ImportError(
             fmt::format("“{}” is no analysis report that Pallisande knows, and no table of counts.", name));
-    MappingTable result { .name = name };
+    MappingTable result {
+        .name = name, .delimiter = { table.delimiter() }, .hasHeadings = headings->areInTable
+    };
     const auto end = std::min(table.size(), headings->firstRow + sampleRows);
     for (auto row = headings->firstRow; row < end; ++row) {
         auto& cells = result.sample.emplace_back();
@@ -278,6 +286,7 @@ MappingTable guessMapping(const DelimitedTable& table, const std::string& name)
             cells.emplace_back(Base::firstCharacters(table[row][column], sampleCharacters));
     }
     result.guess = Guess(table, *std::move(headings)).made();
+    result.guess.reading = reading;
     return result;
 }
 

@@ -69,11 +69,33 @@ struct MappedLabel {
 };
 static_assert(Base::listsEveryMember<MappedLabel>);
 
+// How a table is read where the user knows better than it shows.
+struct TableReading {
+    std::string delimiter; // One character; empty: what most lines agree on.
+    std::string decimalMark; // "." or ","; empty: as the numbers of each column tell.
+    std::optional<bool> hasHeadings; // In its first line; absent: as it looks.
+
+    std::optional<char> delimiterMark() const;
+
+    bool operator==(const TableReading&) const = default;
+
+    static constexpr auto fields()
+    {
+        return std::tuple {
+            Base::field("delimiter", &TableReading::delimiter),
+            Base::field("decimalMark", &TableReading::decimalMark),
+            Base::field("hasHeadings", &TableReading::hasHeadings),
+        };
+    }
+};
+static_assert(Base::listsEveryMember<TableReading>);
+
 // What the user said about a table, to be kept and used for every table with the same headings.
 struct ColumnMapping {
     std::string fingerprint; // Of the headings; another spelling of blanks, dashes and case is the same.
     std::vector<MappedColumn> columns;
     std::vector<MappedLabel> labels; // Of a table with a label column.
+    TableReading reading;
 
     bool operator==(const ColumnMapping&) const = default;
 
@@ -83,6 +105,7 @@ struct ColumnMapping {
             Base::field("fingerprint", &ColumnMapping::fingerprint, Base::Missing::fails),
             Base::field("columns", &ColumnMapping::columns, Base::Missing::fails),
             Base::field("labels", &ColumnMapping::labels),
+            Base::field("reading", &ColumnMapping::reading),
         };
     }
 };
@@ -92,6 +115,8 @@ static_assert(Base::listsEveryMember<ColumnMapping>);
 struct MappingTable {
     std::string name;
     std::vector<std::vector<std::string>> sample; // The first rows below the headings.
+    std::string delimiter; // With which it was read,
+    bool hasHeadings = false; // and whether headings stand in it.
     ColumnMapping guess;
 
     bool operator==(const MappingTable&) const = default;
@@ -101,6 +126,8 @@ struct MappingTable {
         return std::tuple {
             Base::field("name", &MappingTable::name),
             Base::field("sample", &MappingTable::sample),
+            Base::field("delimiter", &MappingTable::delimiter),
+            Base::field("hasHeadings", &MappingTable::hasHeadings),
             Base::field("guess", &MappingTable::guess),
         };
     }
@@ -108,7 +135,8 @@ struct MappingTable {
 static_assert(Base::listsEveryMember<MappingTable>);
 
 // Guesses what the columns and labels of a table hold; throws ImportError when it is no table of counts.
-MappingTable guessMapping(const DelimitedTable& table, const std::string& name);
+MappingTable guessMapping(
+    const DelimitedTable& table, const std::string& name, const TableReading& reading = {});
 
 // The labels of a table whose label column the user chose: those that the mapping knows as it has them, the
 // others with a guess. None without such a column, or while nothing says which columns are counted.

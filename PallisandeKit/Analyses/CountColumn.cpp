@@ -155,6 +155,14 @@ void addCount(std::int64_t& total, std::int64_t count)
         = std::clamp(total + std::clamp(count, -Count::absurd, Count::absurd), -Count::absurd, Count::absurd);
 }
 
+CountColumn CountColumn::withDecimalMark(char mark)
+{
+    CountColumn column;
+    column.m_point = mark == '.' ? Mark::decimal : Mark::groups;
+    column.m_comma = mark == ',' ? Mark::decimal : Mark::groups;
+    return column;
+}
+
 void CountColumn::learn(std::string_view cell)
 {
     if (cell.empty() || plainNumber(cell))

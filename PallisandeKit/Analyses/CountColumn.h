@@ -29,6 +29,9 @@ void addCount(std::int64_t& total, std::int64_t count);
 // only ever group.
 class CountColumn {
 public:
+    // Without one, it is learned.
+    static CountColumn withDecimalMark(char mark);
+
     void learn(std::string_view cell);
 
     // What the rest of the table showed decides where this column's own cells leave it open; without either,

@@ -95,7 +95,9 @@ std::size_t agreement(std::string_view text, char delimiter)
 
 } // namespace
 
-DelimitedTable::DelimitedTable(std::string_view data)
+bool DelimitedTable::canDelimit(char c) { return c != '"' && !isLineEnd(c); }
+
+DelimitedTable::DelimitedTable(std::string_view data, std::optional<char> delimiter)
     : m_decoded(Tamberlin::decodeText(data))
 {
     const auto text = m_decoded.text();
@@ -103,20 +105,21 @@ DelimitedTable::DelimitedTable(std::string_view data)
         throw ImportError("The file is larger than 2 GB, which is too big for an analysis report.");
     std::size_t from = 0;
     constexpr std::string_view spreadsheetHint = "sep=";
-    if (text.starts_with(spreadsheetHint) && text.size() > 5 && isLineEnd(text[5]) && text[4] != '"') {
+    if (text.starts_with(spreadsheetHint) && text.size() > 5 && isLineEnd(text[5]) && canDelimit(text[4])) {
         m_delimiter = text[4];
         from = nextLine(text, 5);
         m_rows.push_back({});
     } else {
         std::size_t best = 0;
-        for (const char delimiter : delimiters) {
-            const auto found = agreement(text.substr(0, examined), delimiter);
+        for (const char tried : delimiters) {
+            const auto found = agreement(text.substr(0, examined), tried);
             if (found > best) {
                 best = found;
-                m_delimiter = delimiter;
+                m_delimiter = tried;
             }
         }
     }
+    m_delimiter = delimiter.value_or(m_delimiter);
     split(text, from);
 }
 

@@ -16,9 +16,11 @@ class DelimitedTable {
 public:
     class Row;
 
-    // Refers to `data`, which must outlive the table. The delimiter is what most rows agree on; a first line
-    // "sep=;" decides it. Throws ImportError for a text of 2 GiB or more.
-    explicit DelimitedTable(std::string_view data);
+    // Refers to `data`, which must outlive the table. Without a delimiter it is what most rows agree on; a
+    // first line "sep=;" decides it. Throws ImportError for a text of 2 GiB or more.
+    explicit DelimitedTable(std::string_view data, std::optional<char> delimiter = std::nullopt);
+
+    static bool canDelimit(char c); // Quotation marks and line ends can't.
 
     // Rows in the order of the file, blank lines included: the first is line 1.
     std::size_t size() const { return m_rows.size(); }

@@ -96,21 +96,21 @@ ImportResult import(std::string_view data, const std::string& fileName, Base::In
     }
 }
 
-MappingTable guess(std::string_view data, const std::string& fileName)
+MappingTable guess(std::string_view data, const std::string& fileName, const TableReading& reading)
 {
-    return guessMapping(DelimitedTable(data), fileName);
+    return guessMapping(DelimitedTable(data, reading.delimiterMark()), fileName, reading);
 }
 
 std::vector<MappedLabel> labelsOf(std::string_view data, const ColumnMapping& mapping)
 {
-    return Pallisande::labelsOf(DelimitedTable(data), mapping);
+    return Pallisande::labelsOf(DelimitedTable(data, mapping.reading.delimiterMark()), mapping);
 }
 
 ImportResult importMapped(
     std::string_view data, const std::string& fileName, const ColumnMapping& mapping, Base::Instant now)
 {
     try {
-        return readMapped(DelimitedTable(data), mapping, fileName, now);
+        return readMapped(DelimitedTable(data, mapping.reading.delimiterMark()), mapping, fileName, now);
     } catch (const ImportError& error) {
         return ImportFailed { error.what() };
     }

@@ -21,7 +21,7 @@ ImportResult import(std::string_view data, const std::string& fileName, Base::In
 
 // Any table of text, also of a report that is known: a guess at its columns, or ImportError when it holds
 // none.
-MappingTable guess(std::string_view data, const std::string& fileName);
+MappingTable guess(std::string_view data, const std::string& fileName, const TableReading& reading = {});
 // The labels in the label column that a mapping names.
 std::vector<MappedLabel> labelsOf(std::string_view data, const ColumnMapping& mapping);
 // Reads a table as the user mapped it.

@@ -51,7 +51,7 @@ MappedTable::MappedTable(
     , mapping(theMapping)
     , analysis { .source = AnalysisSource::mappedCSV, .name = name }
 {
-    auto found = ColumnHeadings::find(table);
+    auto found = ColumnHeadings::find(table, mapping.reading.hasHeadings);
     if (!found || found->fingerprint() != mapping.fingerprint
         || found->names.size() != mapping.columns.size())
         throw ImportError(fmt::format("The mapping was made for other columns than those of “{}”.", name));
@@ -98,6 +98,13 @@ void MappedTable::takeColumns()
 
 void MappedTable::learnNumbers()
 {
+    if (const auto& mark = mapping.reading.decimalMark; mark == "." || mark == ",") {
+        for (auto* const sources : { &counted, &leftOut }) {
+            for (auto& source : *sources)
+                source.numbers = CountColumn::withDecimalMark(mark.front());
+        }
+        return;
+    }
     constexpr std::size_t exampleRows = 1000; // Of columns that aren't counted.
     for (auto row = headings.firstRow; row < table.size(); ++row) {
         const auto cells = table[row];

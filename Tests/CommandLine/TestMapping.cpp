@@ -60,7 +60,17 @@ TEST(Mapping, ofAColumnIsGuessedCorrectedAndAttached)
     writeFile(mapping, R"({"fingerprint": "", "columns": [{"heading": "Object", "role": "gold"}]})");
     EXPECT_EQ(program.refusal({ "analysis", file, "--map", mapping }),
         "“mapping.json” isn’t a mapping of columns: columns[0].role: “gold” is not one of its values.");
-    EXPECT_EQ(program.run({ "analysis", file, "--map", mapping, "--guess" }).code, 2);
+    EXPECT_EQ(program.run({ "analysis", file, "--guess", "--attach", "Job 11" }).code, 2);
+
+    // Taken apart otherwise: the guess is made anew.
+    corrected.reading.hasHeadings = false;
+    writeFile(mapping, Base::toJson(corrected));
+    EXPECT_EQ(program.refusal({ "analysis", file, "--map", mapping }),
+        "The mapping was made for other columns than those of “table.csv”.");
+    const auto anew = Base::fromJson<ColumnMapping>(
+        program.output({ "analysis", file, "--map", mapping, "--guess" }), {});
+    EXPECT_EQ(anew.reading, corrected.reading);
+    EXPECT_EQ(anew.columns.at(1).heading, "Column 2");
 }
 
 TEST(Mapping, isNotNeededForKnownReports)

@@ -1,6 +1,7 @@
 #include "PallisandeKit/Samples/SampleReport.h"
 #include "Tests/Pallisande/SheetWindow.h"
 
+#include <QCheckBox>
 #include <QElapsedTimer>
 #include <QRadioButton>
 #include <QTableView>
@@ -116,6 +117,38 @@ TEST_F(ReviewSheets, anUnknownTableIsMappedAndItsMappingRemembered)
     open("next.csv", "Document;Alpha;Beta;Sum\nz.docx;5;6;11\n"); // The same headings.
     EXPECT_EQ(window.text("mappedSum"), "11 words in 1 file");
     QTest::keyClick(window.dialog(), Qt::Key_Escape);
+}
+
+TEST_F(ReviewSheets, aTableIsTakenApartAsTheUserSays)
+{
+    open("table.csv", "x.docx;1.200;2.400\ny.docx;1.300;2.500\n");
+    auto& headings = window.part<QCheckBox>("hasHeadings");
+    EXPECT_FALSE(headings.isChecked());
+    EXPECT_EQ(window.part<QComboBox>("delimiter").currentText().toStdString(), "Semicolon");
+    window.choose("column1", "100%: words");
+    EXPECT_EQ(window.text("mappedSum"), "2,500 words in 2 files");
+    window.choose("decimalMark", "Point: 1,234.5");
+    EXPECT_EQ(window.text("mappedSum"), "2 words in 2 files");
+    window.expectReadable();
+
+    window.part<QCheckBox>("hasHeadings").click(); // Other columns: what they hold is to be said again.
+    QApplication::processEvents();
+    EXPECT_TRUE(window.part<QCheckBox>("hasHeadings").isChecked());
+    EXPECT_EQ(window.part<QComboBox>("decimalMark").currentText().toStdString(), "Point: 1,234.5");
+    EXPECT_EQ(window.text("mappedSum"), "Nothing adds up yet.");
+    window.choose("decimalMark", "As the numbers tell");
+    window.choose("column1", "100%: words");
+    EXPECT_EQ(window.text("mappedSum"), "1,300 words in 1 file");
+
+    window.choose("delimiter", "Tab"); // There is none: all stays as it was, and the sheet says so.
+    EXPECT_EQ(window.dialog()->error().toStdString(),
+        "“table.csv” is no analysis report that Pallisande knows, and no table of counts.");
+    EXPECT_EQ(window.part<QComboBox>("delimiter").currentText().toStdString(), "Semicolon");
+    EXPECT_EQ(window.text("mappedSum"), "1,300 words in 1 file");
+    window.press("reviewDefault");
+    window.press("reviewDefault");
+    ASSERT_EQ(analyses(), 2u) << window.dialog()->error().toStdString();
+    EXPECT_EQ(sum(model.job(id(11))->analyses.back().totals().words), 1300);
 }
 
 TEST_F(ReviewSheets, bandsBelowEachOtherAreMappedByTheirLabels)

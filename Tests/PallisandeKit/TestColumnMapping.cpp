@@ -216,6 +216,46 @@ TEST(ColumnMapping, isKeptAndUsedAgainForTheSameHeadings)
         "“table.csv” has more than 1000000 rows, which is too many for an analysis report.");
 }
 
+TEST(ColumnMapping, isReadAsTheUserSaysWhereTheTableMisleads)
+{
+    const struct {
+        std::string data;
+        TableReading reading;
+        std::string delimiter, columns, rows;
+    } cases[] {
+        { "File|100%|New\na.doc|5|7\n", {}, "|", "File=file, 100%=band exact words, New=band noMatch words",
+            "a.doc 100%:5 No match:7\n" },
+        { "File,100%,New\na.doc,5,7\n", { .delimiter = ";" }, ";", "no table", "" },
+        { "File;100%;New\na, b;1,5;2,5\n", { .delimiter = "," }, ",",
+            "Column 1=file, Column 2=ignore, Column 3=ignore, Column 4=ignore", "" },
+        { "File\t100%\tNew\na.doc\t1.234\t2.345\n", {}, "\t",
+            "File=file, 100%=band exact words, New=band noMatch words", "a.doc 100%:1234 No match:2345\n" },
+        { "File\t100%\tNew\na.doc\t1.234\t2.645\n", { .decimalMark = "." }, "\t",
+            "File=file, 100%=band exact words, New=band noMatch words",
+            "a.doc 100%:1 No match:3\nSome counts of this report aren’t whole numbers and were rounded half "
+            "up, so sums can be off by a few. They look discounted already: priced with weights again, they "
+            "would be discounted twice.\n" },
+        { "File;100%;New\na.doc;5;7\n", { .hasHeadings = false }, ";",
+            "Column 1=file, Column 2=ignore, Column 3=ignore", "" },
+        { "a.doc;7;9\nb.doc;5;7\n", { .hasHeadings = true }, ";", "a.doc=file, 7=ignore, 9=ignore", "" },
+    };
+    for (const auto& [data, reading, delimiter, columns, rows] : cases) {
+        SCOPED_TRACE(data);
+        try {
+            const auto table = Importer::guess(data, "table.csv", reading);
+            EXPECT_EQ(table.delimiter, delimiter);
+            EXPECT_EQ(shown(table.guess), columns);
+            EXPECT_EQ(table.guess.reading, reading);
+            const auto kept = Base::fromJson<ColumnMapping>(Base::toJson(table.guess), {});
+            const auto result = Importer::importMapped(data, "table.csv", kept, moment().now);
+            const auto* const analysis = std::get_if<Analysis>(&result);
+            EXPECT_EQ(analysis ? shown(*analysis) : "", rows);
+        } catch (const ImportError&) {
+            EXPECT_EQ(columns, "no table");
+        }
+    }
+}
+
 TEST(ColumnMapping, readsTheRealTablesOfOtherTools)
 {
     if (!std::filesystem::exists(reportSamples() / "other"))
