@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
         auto mapping = Base::fromJson<ColumnMapping>(text.substr(0, at), {});
         expect(Base::fromJson<ColumnMapping>(Base::toJson(mapping), {}) == mapping,
             "A mapping isn't read back as it was.");
-        const auto guess = Importer::guess(table, "report.csv").guess;
+        const auto guess = Importer::guess(table, "report.csv", mapping.reading).guess;
         mapping.fingerprint = guess.fingerprint;
         mapping.columns.resize(guess.columns.size());
         expectSound(Importer::importMapped(table, "report.csv", mapping, Base::Instant()));
